@@ -1,0 +1,110 @@
+#pragma once
+
+#include <KWBase/KWKeyFramedChannel.h>
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+/// A regular channel's lists as evaluation reads them. Not kept across edits.
+struct KWKeyFrameCurve {
+    const float* keys;
+    const float* values;
+    const KWKeyFrameTangents* tangents;
+    std::uint32_t count;
+    std::int32_t mode;
+    std::int32_t repeat;
+
+    /// floorf without a call; the baseline instruction set has no rounding instruction.
+    static float floorOf(float x) {
+        if (!(std::fabs(x) < 8388608.0f)) // already whole, infinite or NaN
+            return x;
+        float whole = static_cast<float>(static_cast<std::int32_t>(x));
+        whole -= whole > x ? 1.0f : 0.0f;
+        return std::copysign(whole, x);
+    }
+
+    /// The time inside the keyed range that stands for `t` by the repeat mode; `t` itself where
+    /// that maps nothing.
+    static float mappedTime(float t, float first, float last, std::int32_t mode,
+                            std::int32_t repeat) {
+        if ((repeat != KWRepeatModeCycle && repeat != KWRepeatModePingPong) || !(first < last))
+            return t;
+        const float length = last - first;
+        const float turns = floorOf((t - first) / length);
+        if (repeat == KWRepeatModeCycle) {
+            t = static_cast<float>(static_cast<double>(t) -
+                                   static_cast<double>(turns) * static_cast<double>(length));
+        } else {
+            const std::int32_t count = saturated(turns);
+            t = t - length * static_cast<float>(count);
+            if ((count & 1) != 0)
+                t = last - (t - first);
+        }
+        // Rounding can end just below the first key, where a Hermite curve has nothing to start at.
+        if (mode == KWKeyFrameModeHermite && t < first)
+            t = first;
+        return t;
+    }
+
+    /// How many of ascending keys are at or before `t`; all of them for NaN. The number of steps
+    /// depends on `count` alone and no step branches.
+    static std::uint32_t countNotAfter(const float* keys, std::uint32_t count, float t) {
+        if (count == 0 || t != t) [[unlikely]]
+            return count;
+        const float* base = keys;
+        std::size_t left = count;
+        while (left > 1) {
+            const std::size_t half = left / 2;
+            base += static_cast<std::size_t>(base[half] <= t) * half;
+            left -= half;
+        }
+        return static_cast<std::uint32_t>(base - keys) + static_cast<std::uint32_t>(*base <= t);
+    }
+
+    float mappedTime(float t) const {
+        return mappedTime(t, keys[0], keys[count - 1], mode, repeat);
+    }
+
+    /// Between key i, which must not be the last, and the next one.
+    float valueInside(std::uint32_t i, float t) const {
+        if (mode == KWKeyFrameModeHermite) {
+            const float s = 1.0f - (keys[i + 1] - t) / (keys[i + 1] - keys[i]);
+            return blend(s, values[i], values[i + 1], tangents[i].start, tangents[i].end);
+        }
+        if (mode == KWKeyFrameModeLinear)
+            return values[i + 1] +
+                   ((keys[i + 1] - t) / (keys[i + 1] - keys[i])) * (values[i] - values[i + 1]);
+        return mode == KWKeyFrameModeStep ? values[i] : 0.0f;
+    }
+
+    /// The cubic with those end values and slopes, at s from 0 to 1. Real is a float, or several.
+    template <class Real>
+    static Real blend(Real s, Real from, Real to, Real start, Real end) {
+        const Real s2 = s * s;
+        const Real s3 = s * s2;
+        return (((2.0f * s3 + -3.0f * s2 + 1.0f) * from + (-2.0f * s3 + 3.0f * s2) * to) +
+                (s3 - 2.0f * s2 + s) * start) +
+               (s3 - s2) * end;
+    }
+
+  private:
+    static std::int32_t saturated(float x) {
+        using Limits = std::numeric_limits<std::int32_t>;
+        if (x >= 2147483648.0f)
+            return Limits::max();
+        if (x <= -2147483648.0f)
+            return Limits::min();
+        return x == x ? static_cast<std::int32_t>(x) : 0;
+    }
+};
+
+inline KWKeyFrameCurve KWKeyFramedChannel::curve() const {
+    return {_frames.keys.data(),
+            _frames.values.data(),
+            _tangents.data(),
+            keyframeCount(),
+            _mode,
+            _repeat};
+}

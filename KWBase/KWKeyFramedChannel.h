@@ -1,0 +1,231 @@
+#pragma once
+
+#include <KWBase/KWChannel.h>
+#include <KWBase/KWKeyFrames.h>
+#include <KWFoundation/KWTypes.h>
+
+#include <array>
+
+class KWChannelCursor;
+struct KWKeyFrameCurve;
+
+/// How values run from key to key. Any other code gives 0.
+enum : std::int32_t {
+    KWKeyFrameModeLinear = 0,
+    KWKeyFrameModeHermite = 1, ///< Kochanek-Bartels: tension, continuity and bias at each key
+    KWKeyFrameModeStep = 2,
+};
+
+/// What happens outside the keyed range. Other codes map no time and do not hold the ends: there
+/// the curve runs from the last key to the first.
+enum : std::int32_t {
+    KWRepeatModeNone = 0,     ///< the first and the last value hold
+    KWRepeatModeCycle = 1,    ///< time wraps around
+    KWRepeatModePingPong = 2, ///< time runs back and forth
+};
+
+inline namespace kwbase {
+
+/// A key's shape. 0 is neutral in each of the first three; a tension of 1 flattens the tangents.
+struct HJHermiteParam {
+    float tension = 0;
+    float bias = 0;
+    float continuity = 0;
+    float reserved[6] = {};
+};
+static_assert(sizeof(HJHermiteParam) == 36);
+
+/// The type of an HJHermiteParam as archives and run-time type descriptions spell it.
+inline constexpr const char* HJHermiteParamTypeEncoding = "{_HJHermiteParam=fff[6f]}";
+
+/// A rectangle of time and value.
+struct HJRect {
+    float x = 0;      ///< time origin
+    float y = 0;      ///< value origin
+    float width = 0;  ///< time span
+    float height = 0; ///< value span
+
+    friend bool operator==(const HJRect&, const HJRect&) = default;
+};
+
+/// How far keys may move in time: the most negative and the largest positive offset.
+struct HJKeyMoveRange {
+    float minimum = 0;
+    float maximum = 0;
+
+    friend bool operator==(const HJKeyMoveRange&, const HJKeyMoveRange&) = default;
+};
+
+} // namespace kwbase
+
+/// A channel of keys - a time, a value and a shape each - in order of time. Keys are known by their
+/// time: no two share one, and 0.0 and -0.0 are one time. Times that are NaN are ignored as nil is.
+///
+/// Edits register their inverse with the owner's undo manager, except during a manipulation.
+///
+/// A key's shape travels as a block of 36 bytes, an HJHermiteParam in the machine's byte order. A
+/// block of another length can be stored and is answered as it was given, but an evaluation that
+/// starts at its key raises KWException "KWHermiteParam size mismatch".
+///
+/// An archive is trusted as it is: it may bring keys that are not in order, or not equally many
+/// keys and values. Such a channel is irregular. Everything works on it literally, step by step,
+/// and a missing value or record raises std::out_of_range.
+class KW_EXPORT KWKeyFramedChannel : public KWChannel {
+  public:
+    /// No keys, Hermite curves, no repeat.
+    explicit KWKeyFramedChannel(std::string name = "no name");
+    ~KWKeyFramedChannel() override;
+
+    static const KWClass& classObject();
+    const KWClass& isa() const override { return classObject(); }
+
+    /// The other channel's contents, its keys, modes and saved copies included; null for another
+    /// class.
+    static std::shared_ptr<KWKeyFramedChannel> initWithChannel(const KWChannel& channel) {
+        return KWChannel::initWithChannel<KWKeyFramedChannel>(channel);
+    }
+    std::shared_ptr<KWChannel> copy() const override;
+    bool takeContentsOf(const KWChannel& other) override;
+
+    /// 36 zero bytes, the neutral shape.
+    static KWData hermiteData();
+    /// The record's bytes; hermiteData() for null.
+    static KWData hermiteDataFrom(const HJHermiteParam* param);
+
+    // --- Modes. Setting one neither invalidates nor notifies.
+
+    std::int32_t keyFrameChannelMode() const { return _mode; }
+    void setKeyFrameChannelMode(std::int32_t mode) { _mode = mode; }
+    std::int32_t repeatMode() const { return _repeat; }
+    void setRepeatMode(std::int32_t mode) { _repeat = mode; }
+
+    // --- Writing keys. Each makes a key or replaces the one at that time, and posts
+    // KWChannelChangedNotification before it does. A nil time or record is ignored.
+
+    void setValueForTime(float value, std::optional<KWTime> time) override;
+    /// With the neutral shape, also at a time that has a key.
+    void setValueForKeyframe(float value, std::optional<KWTime> key);
+    void setValueHermiteValueForKeyframe(float value, const std::optional<KWData>& hermite,
+                                         std::optional<KWTime> key);
+    /// One after the other; std::out_of_range at the first key without a value or record. The
+    /// channel is invalidated once more at the end.
+    void setValuesHermiteValuesForKeyframes(const std::vector<float>& values,
+                                            const std::vector<KWData>& hermiteValues,
+                                            const std::vector<KWTime>& keys);
+    /// KWException "KWHermiteParam size mismatch" unless the record has 36 bytes.
+    void modifyHermiteValueForKeyframe(const KWData& hermite, KWTime key);
+    /// Replaces the shape of a key; nothing happens for null or at a time without a key.
+    void modifyHermiteParamForKeyframe(const HJHermiteParam* param, KWTime key);
+
+    // --- Removing keys. No notification is posted.
+
+    /// Nothing happens at a time without a key.
+    void removeValueForKeyframe(KWTime key);
+    void removeValuesForKeyframes(const std::vector<KWTime>& keys);
+    /// Does not even invalidate.
+    void removeAllKeyframes();
+
+    // --- Reading keys.
+
+    std::vector<KWTime> allKeyframes() const;
+    std::uint32_t keyframeCount() const { return static_cast<std::uint32_t>(_frames.keys.size()); }
+    /// Nil when the index is not below the count.
+    std::optional<KWTime> keyframeAtIndex(std::uint32_t index) const;
+    std::optional<KWTime> firstKeyframe() const;
+    std::optional<KWTime> lastKeyframe() const;
+    bool isKeyframe(KWTime time) const;
+    /// KWNotFound at a time without a key.
+    std::uint32_t indexOfKeyframe(KWTime time) const;
+    /// The last key at or before the time; 0xffffffff before the first key, 0xfffffffe without
+    /// keys.
+    std::uint32_t keyframeIndexPrecedingTime(KWTime time) const;
+    /// The keys around a time; both are the first key before all keys, the last key at or after it.
+    /// A key at the time counts as passed. Nil without keys.
+    std::optional<std::array<KWTime, 2>> boundingKeyframesForTime(KWTime time) const;
+    /// Both bounds included.
+    std::vector<KWTime> keyframesBetweenAnd(KWTime first, KWTime second) const;
+    /// 0 when the index is not below the count.
+    float valueForKeyframeAtIndex(std::uint32_t index) const;
+    /// 0 at a time without a key.
+    float valueForKeyframe(KWTime time) const;
+    /// Nil at a time without a key.
+    std::optional<KWData> hermiteValueForKeyframe(KWTime time) const;
+    std::vector<float> valuesForKeyframes(const std::vector<KWTime>& keys) const;
+    /// std::invalid_argument at the first time without a key.
+    std::vector<KWData> hermiteValuesForKeyframes(const std::vector<KWTime>& keys) const;
+
+    /// Time and value ranges of the keys, 0 always among the values. Without a span of time it is
+    /// 0 to 10, without a span of value -1 to 1.
+    HJRect boundingRect() const;
+    /// The same with the values in the user's unit.
+    HJRect boundingRectInUserUnit() const;
+    /// The keys inside, all bounds included; values as stored.
+    std::vector<KWTime> keyframesForBoundingRect(const HJRect& rect) const;
+    /// How far these keys can move together without passing one that is not among them; a side with
+    /// nothing in the way has the largest float. {0, 0} without keys or times.
+    HJKeyMoveRange moveRangeForSelectedKeyframes(const std::vector<KWTime>& selected) const;
+
+    // --- Evaluation.
+
+    float valueForTime(std::optional<KWTime> time) const override;
+    void valuesForTimes(std::span<const float> times, std::span<float> values) const override;
+    /// Whether there is more than one key.
+    bool dependsOnTime() const override { return _frames.keys.size() > 1; }
+
+    /// Whether keys, values and shapes are equally many, the keys in order, the shapes 36 bytes.
+    bool isRegular() const { return _regular; }
+
+    // --- Manipulation: edits between start and stop register no undo; stop registers one step from
+    // the keys and values at the start to those at the stop, or none when they are equal. Changed
+    // shapes alone do not count. Starting again while manipulating takes the copies again.
+
+    void startManipulation() override;
+    void stopManipulation() override;
+
+    /// KWException "Key-value mismatch" when keys, values and shapes are not equally many.
+    void encodeWithCoder(KWCoder& coder) const override;
+    bool initWithCoder(KWCoder& coder) override;
+
+  private:
+    friend class KWChannelCursor;
+    using Record = KWKeyFrameRecords::Bytes;
+
+    // Editing. A position is how many keys lead the list that are not after the time.
+    std::size_t position(float key) const;
+    std::uint32_t indexOf(float key) const;
+    KWUndoManager* recordingUndoManager() const;
+    void setValueRecordForKeyframe(float value, Record record, float key);
+    void setFramesForKeyframes(const KWKeyFrames& frames);
+    void replaceRecordForKeyframe(Record record, float key);
+    void registerInverseOfSetting(float key);
+    void registerSetting(KWUndoManager& undoManager, std::size_t index);
+    void insertKey(std::size_t index, float value, Record record, float key);
+    void replaceKey(std::size_t index, std::optional<float> value, Record record);
+    void removeKey(std::size_t index);
+    void clearKeys();
+    void putBack(const KWKeyFrames& frames);
+
+    // Upkeep of what evaluation relies on.
+    bool isOrderly() const;
+    void refresh();
+    void refreshTangents(std::size_t firstSegment, std::size_t lastSegment);
+
+    // Evaluation: the curve of a regular channel, and the stated steps one by one for any other.
+    KWKeyFrameCurve curve() const;
+    float valueByWalking(float time) const;
+    float interpolate(std::uint32_t preceding, float time) const;
+    KWKeyFrameTangents tangents(std::uint32_t preceding, std::uint32_t from,
+                                std::uint32_t to) const;
+
+    // Archiving.
+    void encodeWithKeys(KWCoder& coder) const;
+    void initWithKeys(KWCoder& coder);
+
+    KWKeyFrames _frames;
+    /// Of the stretch from each key to the next; the last entry is not used. Empty when irregular.
+    std::vector<KWKeyFrameTangents> _tangents;
+    KWKeyFrames _saved; ///< as it was when the manipulation started
+    std::int32_t _mode = KWKeyFrameModeHermite;
+    std::int32_t _repeat = KWRepeatModeNone;
+    bool _regular = true;
+};

@@ -1,0 +1,92 @@
+#include <KWBase/KWKeyFramedChannel.h>
+#include <KWFoundation/KWCoder.h>
+#include <KWFoundation/KWException.h>
+
+#include <bit>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t recordSize = KWKeyFrameRecords::recordSize;
+using Shape = KWKeyFrameRecords::Shape;
+
+void putBigEndian(std::byte* bytes, float number) {
+    const auto bits = std::bit_cast<std::uint32_t>(number);
+    for (int i = 0; i < 4; ++i)
+        bytes[i] = static_cast<std::byte>(bits >> (24 - 8 * i));
+}
+
+float getBigEndian(const std::byte* bytes) {
+    std::uint32_t bits = 0;
+    for (int i = 0; i < 4; ++i)
+        bits = bits << 8 | std::to_integer<std::uint32_t>(bytes[i]);
+    return std::bit_cast<float>(bits);
+}
+
+/// One behind the other; the reserved floats' places are zero.
+KWData encodableRecords(const std::vector<Shape>& shapes) {
+    KWData bytes(shapes.size() * recordSize);
+    std::byte* to = bytes.data();
+    for (const Shape& shape : shapes) {
+        putBigEndian(to, shape.tension);
+        putBigEndian(to + 4, shape.bias);
+        putBigEndian(to + 8, shape.continuity);
+        to += recordSize;
+    }
+    return bytes;
+}
+
+std::vector<Shape> shapesFromEncodedRecords(const KWData& bytes) {
+    std::vector<Shape> shapes(bytes.size() / recordSize);
+    const std::byte* from = bytes.data();
+    for (Shape& shape : shapes) {
+        shape.tension = getBigEndian(from);
+        shape.bias = getBigEndian(from + 4);
+        shape.continuity = getBigEndian(from + 8);
+        from += recordSize;
+    }
+    return shapes;
+}
+
+} // namespace
+
+void KWKeyFramedChannel::encodeWithCoder(KWCoder& coder) const {
+    KWChannel::encodeWithCoder(coder);
+    if (_frames.keys.size() != _frames.records.size() ||
+        _frames.keys.size() != _frames.values.size())
+        throw KWException("Key-value mismatch");
+    encodeWithKeys(coder);
+}
+
+bool KWKeyFramedChannel::initWithCoder(KWCoder& coder) {
+    if (!KWChannel::initWithCoder(coder))
+        return false;
+    _saved = {};
+    initWithKeys(coder);
+    refresh();
+    return true;
+}
+
+void KWKeyFramedChannel::encodeWithKeys(KWCoder& coder) const {
+    coder.encodeRealObjectsForKey(_frames.keys, KWValueClass<KWTime>::realClass(), "keys");
+    coder.encodeFloatsForKey(_frames.values, "values");
+    coder.encodeRecordsForKey(encodableRecords(_frames.records.shapes()), recordSize,
+                              "hermiteValues");
+    coder.encodeInt32ForKey(_mode, "mode");
+    coder.encodeInt32ForKey(_repeat, "repeat");
+}
+
+// Trusted as it is: the lists may differ in length, and the times be in any order.
+void KWKeyFramedChannel::initWithKeys(KWCoder& coder) {
+    KWKeyFrames frames;
+    coder.decodeRealObjectsForKey(frames.keys, KWValueClass<KWTime>::realClass(), "keys");
+    coder.decodeFloatsForKey(frames.values, "values");
+    KWData records;
+    coder.decodeRecordsForKey(records, recordSize, "hermiteValues");
+    frames.records.assign(shapesFromEncodedRecords(records));
+    const std::int32_t mode = coder.decodeInt32ForKey("mode");
+    const std::int32_t repeat = coder.decodeInt32ForKey("repeat");
+    _frames = std::move(frames);
+    _mode = mode;
+    _repeat = repeat;
+}

@@ -1,0 +1,149 @@
+#include <KWBase/KWKeyFrameCurve.h>
+#include <KWFoundation/KWException.h>
+
+#include <cmath>
+
+// The first operand's NaN is the one that an addition answers, and the compiler may exchange the
+// operands. So the value at a time is computed here and nowhere else whenever it is NaN: the cursor
+// and the batch call this function then, and no copy of it may be made by inlining.
+[[gnu::noinline]] float KWKeyFramedChannel::valueForTime(std::optional<KWTime> time) const {
+    float t = time.value_or(KWTime(0)).time();
+    if (!_regular) [[unlikely]]
+        return valueByWalking(t);
+    const KWKeyFrameCurve curve = this->curve();
+    if (curve.count < 2) [[unlikely]]
+        return curve.count == 0 ? 0.0f : curve.values[0];
+    if (curve.repeat != KWRepeatModeNone)
+        t = curve.mappedTime(t);
+    const std::uint32_t preceding = KWKeyFrameCurve::countNotAfter(curve.keys, curve.count, t) - 1;
+    if (preceding >= curve.count - 1) [[unlikely]] {
+        if (curve.repeat == KWRepeatModeNone)
+            return curve.values[preceding < curve.count ? preceding : 0];
+        return interpolate(preceding, t);
+    }
+    return curve.valueInside(preceding, t);
+}
+
+float KWKeyFramedChannel::valueByWalking(float t) const {
+    const std::vector<float>& keys = _frames.keys;
+    const std::uint32_t count = keyframeCount();
+    if (count > 1)
+        t = KWKeyFrameCurve::mappedTime(t, keys.front(), keys.back(), _mode, _repeat);
+    const std::uint32_t preceding = keyframeIndexPrecedingTime(t);
+    if (count == 0)
+        return 0.0f;
+    if (count == 1 || (_repeat == KWRepeatModeNone && preceding == 0xffffffff))
+        return _frames.values.at(0);
+    if (_repeat == KWRepeatModeNone && preceding == count - 1)
+        return _frames.values.at(preceding);
+    return interpolate(preceding, t);
+}
+
+// From the key that precedes the time to the next one, where the last and the first key are
+// neighbours too. Wants at least two keys; `preceding` may be -1.
+float KWKeyFramedChannel::interpolate(std::uint32_t preceding, float t) const {
+    const KWKeyFrames& frames = _frames;
+    const std::uint32_t count = keyframeCount();
+    const std::uint32_t i = (count + preceding) % count;
+    const std::uint32_t j = (count + preceding + 1) % count;
+    if (i >= frames.records.size())
+        throw std::out_of_range("a key has no shape");
+    if (frames.records.isOdd(i))
+        throw KWException("KWHermiteParam size mismatch");
+    const float ti = frames.keys[i];
+    const float tj = frames.keys[j];
+    const float vi = frames.values.at(i);
+    const float vj = frames.values.at(j);
+    if (j >= frames.records.size())
+        throw std::out_of_range("a key has no shape");
+    switch (_mode) {
+    case KWKeyFrameModeLinear:
+        return ti == tj ? vi : vj + ((tj - t) / (tj - ti)) * (vi - vj);
+    case KWKeyFrameModeStep:
+        return vi;
+    case KWKeyFrameModeHermite: {
+        const KWKeyFrameTangents slopes = tangents(preceding, i, j);
+        if (ti == tj)
+            return vi;
+        const float s = 1.0f - (tj - t) / (tj - ti);
+        return KWKeyFrameCurve::blend(s, vi, vj, slopes.start, slopes.end);
+    }
+    default:
+        return 0.0f;
+    }
+}
+
+// Everything in double, rounded to float at the end. The factors of the two tangents differ in
+// their signs: (1 + bias) goes with (1 + continuity) at the start, with (1 - continuity) at the
+// end.
+KWKeyFrameTangents KWKeyFramedChannel::tangents(std::uint32_t preceding, std::uint32_t from,
+                                                std::uint32_t to) const {
+    const std::vector<float>& keys = _frames.keys;
+    const std::vector<float>& values = _frames.values;
+    const KWKeyFrameRecords::Shape& pi = _frames.records.shape(from);
+    const KWKeyFrameRecords::Shape& pj = _frames.records.shape(to);
+    const double ti = keys[from];
+    const double tj = keys[to];
+    const double vi = values[from];
+    const double vj = values[to];
+    double tp = ti;
+    double vp = vi;
+    if (preceding != 0) {
+        const std::uint32_t before = preceding - 1;
+        vp = values.at(before);
+        tp = keys.at(before);
+    }
+    double tq = tj;
+    double vq = vj;
+    if (preceding + 3 <= keyframeCount() && keyframeCount() > 2) {
+        const std::uint32_t after = preceding + 2;
+        vq = values.at(after);
+        tq = keys.at(after);
+    }
+    const double ai = tp < tj ? 2.0 * (tj - ti) / (tj - tp) : 1.0;
+    const double aj = ti < tq ? 2.0 * (tj - ti) / (tq - ti) : 1.0;
+    const double ki = (1.0 - double{pi.tension}) * 0.5;
+    const double kj = (1.0 - double{pj.tension}) * 0.5;
+    const double bi = pi.bias;
+    const double bj = pj.bias;
+    const double ci = pi.continuity;
+    const double cj = pj.continuity;
+    const double start =
+        ai * ((vj - vi) * (1.0 - ci) * ki * (1.0 - bi) + ki * (ci + 1.0) * (bi + 1.0) * (vi - vp));
+    const double end =
+        aj * ((vj - vi) * (1.0 - cj) * kj * (bj + 1.0) + kj * (cj + 1.0) * (1.0 - bj) * (vq - vj));
+    return {static_cast<float>(start), static_cast<float>(end)};
+}
+
+// --- Upkeep
+
+bool KWKeyFramedChannel::isOrderly() const {
+    const std::vector<float>& keys = _frames.keys;
+    if (keys.size() != _frames.values.size() || keys.size() != _frames.records.size() ||
+        _frames.records.hasOddLengths())
+        return false;
+    if (!keys.empty() && std::isnan(keys[0]))
+        return false;
+    for (std::size_t i = 1; i < keys.size(); ++i)
+        if (!(keys[i - 1] < keys[i]))
+            return false;
+    return true;
+}
+
+void KWKeyFramedChannel::refresh() {
+    _regular = isOrderly();
+    if (!_regular) {
+        _tangents = {};
+        return;
+    }
+    _tangents.resize(_frames.keys.size());
+    if (_tangents.size() > 1)
+        refreshTangents(0, _tangents.size() - 2);
+}
+
+void KWKeyFramedChannel::refreshTangents(std::size_t firstSegment, std::size_t lastSegment) {
+    for (std::size_t s = firstSegment; s <= lastSegment && s + 1 < _frames.keys.size(); ++s) {
+        const auto i = static_cast<std::uint32_t>(s);
+        _tangents[s] = tangents(i, i, i + 1);
+    }
+}

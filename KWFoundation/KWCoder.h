@@ -1,0 +1,133 @@
+#pragma once
+
+#include <KWFoundation/KWArchiveError.h>
+#include <KWFoundation/KWArchiveValue.h>
+#include <KWFoundation/KWExport.h>
+#include <KWFoundation/KWObject.h>
+#include <KWFoundation/KWTypes.h>
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// A class whose instances are archived as one real number each, such as a time. It lets whole
+/// lists of them pass a coder without an object for each.
+struct KWRealClass {
+    /// The class under whose name the instances stand in an archive.
+    const KWClass& aClass;
+    /// The key of the number, a double, in a keyed archive.
+    std::string_view key;
+};
+
+/// Writes an object's contents to an archive, or reads them back. A class asks allowsKeyedCoding()
+/// and uses one family of calls: with keys, in any order when reading, or without, in one fixed
+/// order. Calls of the family that a coder lacks, and reading from one that writes, raise
+/// std::logic_error.
+///
+/// Reading raises KWArchiveError when the archive holds something of another kind than was asked
+/// for. What is absent reads as nil, 0 or false.
+class KW_EXPORT KWCoder {
+  public:
+    KWCoder();
+    virtual ~KWCoder();
+    KWCoder(const KWCoder&) = delete;
+    KWCoder& operator=(const KWCoder&) = delete;
+
+    virtual bool allowsKeyedCoding() const = 0;
+
+    // --- Writing with keys. A key used twice in one object keeps its last value.
+
+    virtual void encodeObjectForKey(const KWArchiveValue& value, std::string_view key);
+    /// Writes a reference to `object` that holds only if the object is also written
+    /// unconditionally, before or after; else it reads back as nil.
+    virtual void encodeConditionalObjectForKey(const std::shared_ptr<KWObject>& object,
+                                               std::string_view key);
+    virtual void encodeBoolForKey(bool value, std::string_view key);
+    virtual void encodeInt32ForKey(std::int32_t value, std::string_view key);
+    virtual void encodeInt64ForKey(std::int64_t value, std::string_view key);
+    virtual void encodeFloatForKey(float value, std::string_view key);
+    virtual void encodeDoubleForKey(double value, std::string_view key);
+    virtual void encodeBytesForKey(std::span<const std::byte> bytes, std::string_view key);
+
+    // --- Reading with keys.
+
+    virtual bool containsValueForKey(std::string_view key) const;
+    virtual KWArchiveValue decodeObjectForKey(std::string_view key);
+    virtual bool decodeBoolForKey(std::string_view key);
+    /// Any number will do; one that does not fit in the type is an error.
+    virtual std::int32_t decodeInt32ForKey(std::string_view key);
+    virtual std::int64_t decodeInt64ForKey(std::string_view key);
+    virtual float decodeFloatForKey(std::string_view key);
+    virtual double decodeDoubleForKey(std::string_view key);
+    virtual KWData decodeBytesForKey(std::string_view key);
+
+    // --- Lists of small things, written and read without boxing each; the bytes in the archive are
+    // those of the general way, a mutable array of objects. The readers fill `list` and answer
+    // true, or answer false and leave it empty when there is nothing or nil under the key.
+
+    /// Floats, as numbers.
+    virtual void encodeFloatsForKey(std::span<const float> list, std::string_view key);
+    virtual bool decodeFloatsForKey(std::vector<float>& list, std::string_view key);
+    /// Instances of a class of one real number each, each an object of its own.
+    virtual void encodeRealObjectsForKey(std::span<const float> list, const KWRealClass& aClass,
+                                         std::string_view key);
+    virtual bool decodeRealObjectsForKey(std::vector<float>& list, const KWRealClass& aClass,
+                                         std::string_view key);
+    /// Blocks of `recordSize` bytes each, one behind the other in `list`.
+    virtual void encodeRecordsForKey(std::span<const std::byte> list, std::size_t recordSize,
+                                     std::string_view key);
+    /// Blocks that came shorter are filled up with zeros, longer ones cut.
+    virtual bool decodeRecordsForKey(std::vector<std::byte>& list, std::size_t recordSize,
+                                     std::string_view key);
+
+    // --- Typed reading, in terms of the above.
+
+    /// The string under the key; empty for nil.
+    std::optional<std::string> decodeStringForKey(std::string_view key);
+
+    /// The object under the key, which must be a T; null for nil.
+    template <class T>
+    std::shared_ptr<T> decodeObjectOfClassForKey(std::string_view key) {
+        return objectOfClass<T>(decodeObjectForKey(key), key);
+    }
+
+    /// The list under the key, whose elements must be Ts and not nil; empty for nil.
+    template <class T>
+    std::optional<std::vector<std::shared_ptr<T>>>
+    decodeObjectsOfClassForKey(std::string_view key) {
+        const KWArchiveValue value = decodeObjectForKey(key);
+        if (value.isNil())
+            return std::nullopt;
+        std::vector<std::shared_ptr<T>> list;
+        for (const KWArchiveValue& element : arrayElements(value, key)) {
+            list.push_back(objectOfClass<T>(element, key));
+            if (!list.back())
+                failDecoding("a list element is nil", key);
+        }
+        return list;
+    }
+
+    /// Raises the KWArchiveError that names the archive and the place being read.
+    [[noreturn]] virtual void failDecoding(const std::string& reason, std::string_view key) const;
+
+  protected:
+    template <class T>
+    std::shared_ptr<T> objectOfClass(const KWArchiveValue& value, std::string_view key) const {
+        if (value.isNil())
+            return nullptr;
+        auto object = std::dynamic_pointer_cast<T>(value.object());
+        if (!object)
+            failKind(T::classObject().name(), value, key);
+        return object;
+    }
+    [[noreturn]] void failKind(std::string_view wanted, const KWArchiveValue& found,
+                               std::string_view key) const;
+    const std::vector<KWArchiveValue>& arrayElements(const KWArchiveValue& value,
+                                                     std::string_view key) const;
+};
+
+/// The deepest nesting of objects in objects, and of lists in lists, that any archive may have.
+inline constexpr int KWArchiveMaximumDepth = 1000;

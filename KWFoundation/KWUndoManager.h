@@ -1,0 +1,94 @@
+#pragma once
+
+#include <KWFoundation/KWExport.h>
+#include <KWFoundation/KWObject.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Posted by an undo manager, with itself as object, whenever its stacks or names change, provided
+/// that it lives in a std::shared_ptr.
+inline constexpr std::string_view KWUndoManagerDidChangeNotification =
+    "KWUndoManagerDidChangeNotification";
+
+/// Keeps the inverses of edits, in steps. An edit registers its inverse as it is made; while a step
+/// is being undone, what is registered becomes the step that redoes it, and the other way about.
+///
+/// Each registration is a step of its own, unless a group is open: everything registered between
+/// beginUndoGrouping and its endUndoGrouping is one step. Groups nest; an empty one leaves no step.
+class KW_EXPORT KWUndoManager : public KWObject {
+  public:
+    using Action = std::function<void()>;
+
+    KWUndoManager();
+    ~KWUndoManager() override;
+
+    /// Registers the inverse of an edit of `target`, which is kept alive while the action runs and
+    /// not otherwise: once it is gone the action is skipped and does not count. Outside an undo or
+    /// redo this empties the redo stack. Nothing happens when the target is gone already.
+    void registerUndo(std::weak_ptr<KWObject> target, Action action);
+
+    /// Forgets every action registered for `target`, in both stacks and in open groups.
+    void removeAllActionsWithTarget(const KWObject& target);
+
+    void removeAllActions();
+
+    /// A group that an action opens and leaves open is closed with the step.
+    void beginUndoGrouping();
+    /// std::logic_error when no group is open.
+    void endUndoGrouping();
+    /// How many groups are open.
+    int groupingLevel() const { return _level; }
+
+    /// Whether there is a step with a target alive, no group open, and no undo or redo under way.
+    bool canUndo() const;
+    bool canRedo() const;
+
+    /// Undoes the latest step, its actions in reverse order; nothing happens when canUndo() is
+    /// false. If an action throws, the exception passes through and the step is lost with what has
+    /// been registered for its redo; the rest of the stacks stays.
+    void undo();
+    void redo();
+
+    bool isUndoing() const { return _state == State::undoing; }
+    bool isRedoing() const { return _state == State::redoing; }
+
+    /// Names the group that is open, or the latest step when none is: the text that a menu shows
+    /// behind "Undo". A step's redo has its name, and so nothing is named while a step runs.
+    void setActionName(std::string name);
+    /// The name of the step that undo() would undo now; "" when there is none.
+    std::string undoActionName() const;
+    std::string redoActionName() const;
+
+  private:
+    struct Entry {
+        std::weak_ptr<KWObject> target;
+        Action action;
+    };
+    struct Step {
+        std::vector<Entry> entries;
+        std::string name;
+        bool isAlive() const;
+    };
+    using Stack = std::vector<Step>;
+    enum class State { idle, undoing, redoing };
+
+    static void takeEntries(std::vector<Entry>& entries, const KWObject& target,
+                            std::vector<Entry>& taken);
+    static const Step* latestAlive(const Stack& stack);
+    bool canRun(const Stack& stack) const;
+    void run(Stack& from, Stack& to, State state);
+    void runEntries();
+    Step finishRunning();
+    void didChange();
+
+    Stack _undo;
+    Stack _redo;
+    Step _open;    ///< what is being registered: the open group, or the inverse of what runs
+    Step _running; ///< what is left of the step under way
+    int _level = 0;
+    State _state = State::idle;
+};

@@ -1,0 +1,69 @@
+# How this project's own targets are compiled. Everything here is set on targets, so that nothing
+# reaches a project that adds this one as a subdirectory.
+
+# A result is the float that the formula gives: no fused multiply-add, no fast maths.
+set(KWBASE_COMPILE_OPTIONS
+    -ffp-contract=off
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
+)
+
+# kw_target_defaults(<target>)
+function(kw_target_defaults target)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_compile_options(${target} PRIVATE ${KWBASE_COMPILE_OPTIONS})
+    if(KWBASE_WARNINGS_AS_ERRORS)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        POSITION_INDEPENDENT_CODE ON
+    )
+    if(KWBASE_CCACHE)
+        set_target_properties(${target} PROPERTIES CXX_COMPILER_LAUNCHER ${KWBASE_CCACHE})
+    endif()
+endfunction()
+
+# kw_add_library(<component> SOURCES <file>... HEADERS <file>...)
+#
+# Makes the library KW<component>, known as KWBase::<component> here and to those who find the
+# installed package. HEADERS are the public ones: they, and no others, are installed.
+function(kw_add_library component)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS")
+    set(target KW${component})
+    add_library(${target})
+    add_library(KWBase::${component} ALIAS ${target})
+    kw_target_defaults(${target})
+    target_sources(${target} PRIVATE ${arg_SOURCES})
+    target_sources(${target} PUBLIC
+        FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${arg_HEADERS})
+    set_target_properties(${target} PROPERTIES
+        EXPORT_NAME ${component}
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+    )
+    if(KWBASE_INSTALL)
+        install(TARGETS ${target} EXPORT KWBase${component}Targets FILE_SET HEADERS)
+        install(EXPORT KWBase${component}Targets
+            NAMESPACE KWBase:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/KWBase)
+    endif()
+endfunction()
+
+# kw_add_program(<name> <file>...)
+#
+# Makes a program; it is installed next to the libraries that it needs.
+function(kw_add_program name)
+    add_executable(${name} ${ARGN})
+    kw_target_defaults(${name})
+    file(RELATIVE_PATH libraries
+        ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+    if(KWBASE_INSTALL)
+        install(TARGETS ${name})
+    endif()
+endfunction()
+
+find_program(KWBASE_CCACHE ccache)
+mark_as_advanced(KWBASE_CCACHE)

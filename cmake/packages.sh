@@ -1,0 +1,86 @@
+# What ./run and ./test share: the packages that they need, and quiet builds. Read by bash.
+
+kw_packages=(
+    cmake ninja-build g++ pkg-config
+    libexpat1-dev libcli11-dev nlohmann-json3-dev
+    libgtest-dev libbenchmark-dev libplist-dev python3 locales
+)
+
+# Prints the packages that are missing, one a line. On a system without dpkg: all of them.
+kw_missing_packages() {
+    local package state
+    for package in "${kw_packages[@]}"; do
+        state=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) || state=none
+        [ "$state" = installed ] || echo "$package"
+    done
+}
+
+# Installs what is missing, or says what to install and goes on with what is there.
+kw_install_packages() {
+    if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
+        echo "This system has no apt-get. Please install what Debian calls:" >&2
+        echo "    ${kw_packages[*]}" >&2
+        return
+    fi
+    local missing
+    mapfile -t missing < <(kw_missing_packages)
+    [ ${#missing[@]} -eq 0 ] && return
+
+    local root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "Please install, as root: apt-get install ${missing[*]}" >&2
+            return
+        fi
+        root=(sudo)
+    fi
+    echo "Installing ${missing[*]}"
+    if ! kw_quietly "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q update ||
+        ! kw_quietly "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get -q install -y --no-install-recommends "${missing[@]}"; then
+        echo "That did not work. Please install: ${missing[*]}" >&2
+    fi
+}
+
+# Runs a command and shows what it printed only if it fails.
+kw_quietly() {
+    local log status=0
+    log=$(mktemp)
+    "$@" >"$log" 2>&1 || status=$?
+    [ $status -eq 0 ] || cat "$log" >&2
+    rm -f "$log"
+    return $status
+}
+
+# kw_build PRESET TARGET...: configures if need be and builds, in build/PRESET.
+kw_build() {
+    local preset=$1 tree=build/$1
+    shift
+    if ! mkdir -p "$tree" || [ ! -w "$tree" ]; then
+        echo "$PWD/$tree cannot be written; it may belong to another user" >&2
+        return 3
+    fi
+    # Ninja configures again by itself when a CMakeLists.txt changes, but does not know the presets.
+    if [ ! -e "$tree/build.ninja" ] || [ CMakePresets.json -nt "$tree/build.ninja" ]; then
+        kw_quietly cmake --preset "$preset" || return
+    fi
+    local build=(cmake --build "$tree" -j "$(nproc 2>/dev/null || echo 2)" ${1:+--target "$@"})
+    # On a terminal ninja keeps to one line, which says how far it is.
+    if [ -t 1 ]; then
+        "${build[@]}"
+    else
+        kw_quietly "${build[@]}" -- --quiet
+    fi
+}
+
+# kw_test PRESET: runs the tests that kw_build built; shows those that fail, and ctest's summary.
+kw_test() {
+    local jobs
+    jobs=$(nproc 2>/dev/null || echo 2)
+    if [ -t 1 ]; then
+        ctest --preset "$1" -j "$jobs" --progress
+    else
+        ctest --preset "$1" -j "$jobs" |
+            grep --line-buffered -Ev '^ +Start +[0-9]+: | Passed +[0-9.]+ sec$'
+    fi
+}
