@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -39,13 +40,15 @@ inline unsigned KWInt4Bits(KWInt4 mask) {
 #endif
 }
 
-/// Four pairs that start at `list[index]`, taken apart: the four first and the four second floats.
-inline void KWFloat4GatherPairs(const float* list, const std::int32_t* index, std::size_t stride,
+/// Four pairs of floats, the ones at `list` plus `stride` bytes times each index, taken apart: the
+/// four first and the four second ones.
+inline void KWFloat4GatherPairs(const void* list, std::size_t stride, const std::int32_t* index,
                                 KWFloat4& first, KWFloat4& second) {
     typedef double Double2 __attribute__((vector_size(16)));
+    const auto* bytes = static_cast<const std::byte*>(list);
     double pairs[4];
     for (int lane = 0; lane < 4; ++lane)
-        std::memcpy(&pairs[lane], list + static_cast<std::size_t>(index[lane]) * stride, 8);
+        std::memcpy(&pairs[lane], bytes + static_cast<std::size_t>(index[lane]) * stride, 8);
     const Double2 low{pairs[0], pairs[1]};
     const Double2 high{pairs[2], pairs[3]};
     const auto a = reinterpret_cast<KWFloat4>(low);

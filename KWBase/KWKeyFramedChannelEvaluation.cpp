@@ -3,9 +3,9 @@
 
 #include <cmath>
 
-// The first operand's NaN is the one that an addition answers, and the compiler may exchange the
-// operands. So the value at a time is computed here and nowhere else whenever it is NaN: the cursor
-// and the batch call this function then, and no copy of it may be made by inlining.
+// Of two NaNs the processor answers the first operand's, and the compiler may exchange operands. So
+// that all readers get the same bits, the cursor and the batch leave every value that is NaN to
+// this function, of which inlining must make no second copy.
 [[gnu::noinline]] float KWKeyFramedChannel::valueForTime(std::optional<KWTime> time) const {
     float t = time.value_or(KWTime(0)).time();
     if (!_regular) [[unlikely]]

@@ -154,9 +154,11 @@ class Sampler {
 
     Stretch gather(const Lanes& index) const {
         Stretch stretch;
-        KWFloat4GatherPairs(_curve.keys, index, 1, stretch.ti, stretch.tj);
-        KWFloat4GatherPairs(_curve.values, index, 1, stretch.vi, stretch.vj);
-        KWFloat4GatherPairs(&_curve.tangents->start, index, 2, stretch.start, stretch.end);
+        constexpr std::size_t one = sizeof(float);
+        KWFloat4GatherPairs(_curve.keys, one, index, stretch.ti, stretch.tj);
+        KWFloat4GatherPairs(_curve.values, one, index, stretch.vi, stretch.vj);
+        KWFloat4GatherPairs(_curve.tangents, sizeof(KWKeyFrameTangents), index, stretch.start,
+                            stretch.end);
         return stretch;
     }
 

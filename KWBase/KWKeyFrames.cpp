@@ -14,7 +14,7 @@ KWKeyFrameRecords::Bytes KWKeyFrameRecords::neutral() {
 }
 
 bool KWKeyFrameRecords::isZero(Bytes bytes) {
-    return std::all_of(bytes.begin(), bytes.end(), [](std::byte b) { return b == std::byte{0}; });
+    return std::memcmp(bytes.data(), neutralRecord, bytes.size()) == 0;
 }
 
 bool KWKeyFrameRecords::isNeutral(std::size_t index) const {

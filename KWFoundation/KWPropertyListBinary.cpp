@@ -18,32 +18,12 @@ using Bytes = std::span<const std::byte>;
 constexpr std::size_t headerSize = 8;
 constexpr std::size_t trailerSize = 32;
 
-std::uint64_t bigEndian(const std::byte* place, std::size_t size) {
-    switch (size) {
-    case 1:
-        return std::to_integer<std::uint64_t>(*place);
-    case 2: {
-        std::uint16_t value = 0;
-        std::memcpy(&value, place, 2);
-        return __builtin_bswap16(value);
-    }
-    case 4: {
-        std::uint32_t value = 0;
-        std::memcpy(&value, place, 4);
-        return __builtin_bswap32(value);
-    }
-    case 8: {
-        std::uint64_t value = 0;
-        std::memcpy(&value, place, 8);
-        return __builtin_bswap64(value);
-    }
-    default: {
-        std::uint64_t value = 0;
-        for (std::size_t k = 0; k < size; ++k)
-            value = value << 8 | std::to_integer<std::uint64_t>(place[k]);
-        return value;
-    }
-    }
+/// A number of 1 to 8 bytes. Eight bytes are read whatever the size: before the end of a list there
+/// is always its trailer.
+std::uint64_t bigEndian(const std::byte* place, std::uint64_t size) {
+    std::uint64_t value = 0;
+    std::memcpy(&value, place, 8);
+    return __builtin_bswap64(value) >> (64 - 8 * size);
 }
 
 std::size_t countSize(std::uint64_t count) {
@@ -250,14 +230,16 @@ class KWBinaryPropertyListReader {
         node.integer = static_cast<std::int64_t>(_list._children.size());
         _list._children.resize(_list._children.size() + count * perEntry);
         Index* children = _list._children.data() + node.integer;
-        for (std::uint64_t k = 0; k < count * perEntry; ++k) {
-            const std::uint64_t child = bigEndian(at(_place), _referenceSize);
-            if (child >= _objectCount)
-                fail(_place, "a reference to object " + std::to_string(child) + " of " +
-                                 std::to_string(_objectCount));
+        const std::byte* place = at(_place);
+        for (std::uint64_t k = 0; k < count * perEntry; ++k, place += _referenceSize) {
+            const std::uint64_t child = bigEndian(place, _referenceSize);
+            if (child >= _objectCount) [[unlikely]]
+                fail(static_cast<std::uint64_t>(place - _source.data()),
+                     "a reference to object " + std::to_string(child) + " of " +
+                         std::to_string(_objectCount));
             children[k] = static_cast<Index>(child);
-            _place += _referenceSize;
         }
+        _place += count * perEntry * _referenceSize;
     }
 
     void checkDictionaryKeys() const {

@@ -35,9 +35,10 @@ kw_install_packages() {
         root=(sudo)
     fi
     echo "Installing ${missing[*]}"
-    if ! kw_quietly "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q update ||
-        ! kw_quietly "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
-            apt-get -q install -y --no-install-recommends "${missing[@]}"; then
+    local apt=("${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q)
+    # Lists that cannot be fetched need not matter to these packages.
+    kw_quietly "${apt[@]}" update || true
+    if ! kw_quietly "${apt[@]}" install -y --no-install-recommends "${missing[@]}"; then
         echo "That did not work. Please install: ${missing[*]}" >&2
     fi
 }

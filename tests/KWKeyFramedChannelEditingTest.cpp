@@ -1,46 +1,9 @@
 #include "KeyFramedTestSupport.h"
 
-#include <KWFoundation/KWUndoManager.h>
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>
-
-namespace {
-
-/// A channel whose owner has an undo manager.
-struct Edited {
-    Edited() {
-        owner.manager = manager.get();
-        channel->setOwner(&owner);
-    }
-    void set(float value, float key) { channel->setValueForKeyframe(value, KWTime(key)); }
-    void set(float value, const KWData& record, float key) {
-        channel->setValueHermiteValueForKeyframe(value, record, KWTime(key));
-    }
-    int steps() const {
-        int count = 0;
-        for (; manager->canUndo(); ++count)
-            manager->undo();
-        for (int k = 0; k < count; ++k)
-            manager->redo();
-        return count;
-    }
-
-    std::shared_ptr<KWUndoManager> manager = std::make_shared<KWUndoManager>();
-    CountingOwner owner;
-    std::shared_ptr<KWKeyFramedChannel> channel = std::make_shared<KWKeyFramedChannel>();
-};
-
-KWData oddRecord(std::size_t size) {
-    KWData record(size);
-    for (std::size_t k = 0; k < size; ++k)
-        record[k] = static_cast<std::byte>(k + 1);
-    return record;
-}
-
-} // namespace
 
 TEST(KWKeyFramedChannelEditing, SettingAtAnExistingTimeReplacesAndUndoRestoresValueAndRecord) {
     Edited x;
@@ -331,6 +294,29 @@ TEST(KWKeyFramedChannelEditing, AnObserverOfTheUndoManagerMayEdit) {
     EXPECT_EQ(x.channel->keyframeCount(), 0u);
 }
 
+TEST(KWKeyFramedChannelEditing, AnObserverOfTheUndoManagerMayMoveTheKeyThatIsEdited) {
+    Edited x;
+    x.set(1, 5);
+    x.set(2, 6);
+    float next = 0;
+    bool inside = false;
+    const auto token = KWNotificationCenter::defaultCenter().addObserver(
+        KWUndoManagerDidChangeNotification, x.manager.get(), [&](const KWNotification&) {
+            if (std::exchange(inside, true))
+                return;
+            x.set(9, next++);
+            inside = false;
+        });
+    x.channel->modifyHermiteValueForKeyframe(recordWith(1), KWTime(6));
+    EXPECT_EQ(x.channel->hermiteValueForKeyframe(KWTime(6)), recordWith(1));
+    EXPECT_EQ(x.channel->hermiteValueForKeyframe(KWTime(5)), recordWith(0));
+    x.channel->removeValueForKeyframe(KWTime(5));
+    EXPECT_EQ(timesOf(x.channel->allKeyframes()), (std::vector<float>{0, 1, 6}));
+    x.set(3, 6);
+    EXPECT_EQ(x.channel->valueForKeyframe(KWTime(6)), 3);
+    EXPECT_EQ(timesOf(x.channel->allKeyframes()), (std::vector<float>{0, 1, 2, 6}));
+}
+
 TEST(KWKeyFramedChannelEditing, AnObserverMayLetGoOfTheChannel) {
     auto channel = channelWithKeys({{0, 1}});
     const std::weak_ptr<KWKeyFramedChannel> watched = channel;
@@ -442,150 +428,6 @@ TEST(KWKeyFramedChannelEditing, AnObserverThatThrowsAtTheStopCostsNoKeys) {
         EXPECT_FALSE(x.channel->isManipulating());
         EXPECT_EQ(x.manager->groupingLevel(), 0);
     }
-}
-
-// --- Queries
-
-TEST(KWKeyFramedChannelEditing, KeysAreFoundByIndexAndTime) {
-    const auto channel = channelWithKeys({{1, 10}, {2, 20}, {4, 40}});
-    EXPECT_EQ(channel->keyframeAtIndex(2), KWTime(4));
-    EXPECT_EQ(channel->keyframeAtIndex(3), std::nullopt);
-    EXPECT_EQ(channel->firstKeyframe(), KWTime(1));
-    EXPECT_EQ(channel->lastKeyframe(), KWTime(4));
-    EXPECT_EQ(channelWithKeys({})->firstKeyframe(), std::nullopt);
-    EXPECT_EQ(channelWithKeys({})->lastKeyframe(), std::nullopt);
-    EXPECT_TRUE(channel->isKeyframe(KWTime(2)));
-    EXPECT_FALSE(channel->isKeyframe(KWTime(3)));
-    EXPECT_EQ(channel->indexOfKeyframe(KWTime(4)), 2u);
-    EXPECT_EQ(channel->indexOfKeyframe(KWTime(0)), KWNotFound);
-    EXPECT_EQ(channel->indexOfKeyframe(KWTime(kwNaN)), KWNotFound);
-    EXPECT_EQ(channelWithKeys({})->indexOfKeyframe(KWTime(0)), KWNotFound);
-    EXPECT_EQ(channel->valueForKeyframeAtIndex(1), 20);
-    EXPECT_EQ(channel->valueForKeyframeAtIndex(3), 0);
-    EXPECT_EQ(channel->valueForKeyframe(KWTime(3)), 0);
-    EXPECT_EQ(channel->hermiteValueForKeyframe(KWTime(3)), std::nullopt);
-    EXPECT_EQ(channel->valuesForKeyframes({KWTime(4), KWTime(3), KWTime(1)}),
-              (std::vector<float>{40, 0, 10}));
-    EXPECT_EQ(channel->hermiteValuesForKeyframes({KWTime(4)}).size(), 1u);
-    EXPECT_THROW(channel->hermiteValuesForKeyframes({KWTime(4), KWTime(3)}), std::invalid_argument);
-}
-
-TEST(KWKeyFramedChannelEditing, KeysBetweenIncludeBothBounds) {
-    const auto channel = channelWithKeys({{1, 0}, {2, 0}, {3, 0}, {4, 0}});
-    EXPECT_EQ(timesOf(channel->keyframesBetweenAnd(KWTime(2), KWTime(3))),
-              (std::vector<float>{2, 3}));
-    EXPECT_TRUE(channel->keyframesBetweenAnd(KWTime(3), KWTime(2)).empty());
-    EXPECT_TRUE(channel->keyframesBetweenAnd(KWTime(kwNaN), KWTime(9)).empty());
-}
-
-TEST(KWKeyFramedChannelEditing, BoundingKeysCountAKeyAtTheTimeAsPassed) {
-    const auto channel = channelWithKeys({{1, 0}, {2, 0}, {3, 0}});
-    using Pair = std::array<KWTime, 2>;
-    EXPECT_EQ(channelWithKeys({})->boundingKeyframesForTime(KWTime(0)), std::nullopt);
-    EXPECT_EQ(channel->boundingKeyframesForTime(KWTime(0)), (Pair{1, 1}));
-    EXPECT_EQ(channel->boundingKeyframesForTime(KWTime(1)), (Pair{1, 2}));
-    EXPECT_EQ(channel->boundingKeyframesForTime(KWTime(2.5f)), (Pair{2, 3}));
-    EXPECT_EQ(channel->boundingKeyframesForTime(KWTime(3)), (Pair{3, 3}));
-    EXPECT_EQ(channel->boundingKeyframesForTime(KWTime(9)), (Pair{3, 3}));
-    EXPECT_EQ(channel->boundingKeyframesForTime(KWTime(kwNaN)), (Pair{1, 1}));
-}
-
-TEST(KWKeyFramedChannelEditing, TheBoundingRectHasTenByTwoWhereThereIsNoSpan) {
-    EXPECT_EQ(channelWithKeys({})->boundingRect(), (HJRect{0, -1, 10, 2}));
-    EXPECT_EQ(channelWithKeys({{3, 5}})->boundingRect(), (HJRect{0, 0, 10, 5}));
-    EXPECT_EQ(channelWithKeys({{3, -5}, {7, -2}})->boundingRect(), (HJRect{3, -5, 4, 5}));
-    EXPECT_EQ(channelWithKeys({{1, 2}, {1.0000001f, 1}})->boundingRect(), (HJRect{0, 0, 10, 2}));
-    EXPECT_EQ(channelWithKeys({{0, 1e-7f}, {1, 0}})->boundingRect(), (HJRect{0, -1, 1, 2}));
-}
-
-TEST(KWKeyFramedChannelEditing, TheBoundingRectTakesTheValuesAtTheKeysTimes) {
-    // Under a cycle the last key's time is the first key's.
-    const auto channel = channelWithKeys({{0, 1}, {1, 2}, {2, 9}}, 0, KWRepeatModeCycle);
-    EXPECT_EQ(channel->boundingRect(), (HJRect{0, 0, 2, 2}));
-    const auto odd = channelWithKeys({{0, 1}, {1, 2}});
-    odd->setValueHermiteValueForKeyframe(1, KWData(), KWTime(0));
-    EXPECT_THROW(odd->boundingRect(), KWException);
-}
-
-TEST(KWKeyFramedChannelEditing, TheBoundingRectInUserUnitConvertsBottomAndTop) {
-    const auto channel = channelWithKeys({{1, -1}, {3, 2}});
-    channel->setUnitType(KWUnitTypeAngle);
-    const HJRect rect = channel->boundingRectInUserUnit();
-    const float bottom = channel->convertValueToUserUnit(-1);
-    EXPECT_EQ(rect, (HJRect{1, bottom, 2, channel->convertValueToUserUnit(2) - bottom}));
-    EXPECT_LT(rect.y, -57);
-}
-
-TEST(KWKeyFramedChannelEditing, KeysInARectIncludeAllBounds) {
-    const auto channel = channelWithKeys({{0, 0}, {1, 1}, {2, 2}, {3, 3}});
-    EXPECT_EQ(timesOf(channel->keyframesForBoundingRect({1, 1, 1, 1})), (std::vector<float>{1, 2}));
-    EXPECT_EQ(timesOf(channel->keyframesForBoundingRect({0, 1.5f, 9, 9})),
-              (std::vector<float>{2, 3}));
-}
-
-TEST(KWKeyFramedChannelEditing, SelectedKeysMayMoveUpToTheirUnselectedNeighbours) {
-    const auto range = [](const KWKeyFramedChannel& channel, std::vector<KWTime> times) {
-        return channel.moveRangeForSelectedKeyframes(times);
-    };
-    const float open = std::numeric_limits<float>::max();
-    const auto channel = channelWithKeys({{0, 0}, {1, 0}, {3, 0}});
-    EXPECT_EQ(range(*channel, {1}), (HJKeyMoveRange{-1, 2}));
-    EXPECT_EQ(range(*channel, {}), (HJKeyMoveRange{0, 0}));
-    EXPECT_EQ(range(*channelWithKeys({}), {1}), (HJKeyMoveRange{0, 0}));
-    EXPECT_EQ(range(*channel, {3, 0}), (HJKeyMoveRange{-2, 1}));
-    EXPECT_EQ(range(*channel, {0, 1}), (HJKeyMoveRange{-open, 2}));
-    EXPECT_EQ(range(*channel, {3, 1, 1}), (HJKeyMoveRange{-1, open}));
-    EXPECT_EQ(range(*channel, {0, 1, 3}), (HJKeyMoveRange{-open, open}));
-    EXPECT_EQ(range(*channel, {7, kwNaN}), (HJKeyMoveRange{-open, open}));
-    EXPECT_EQ(range(*channelWithKeys({{0, 0}, {1, 0}, {3, 0}, {3.5f, 0}}), {1, 3.5f}),
-              (HJKeyMoveRange{-0.5f, 2}));
-}
-
-// --- Copies
-
-TEST(KWKeyFramedChannelEditing, ACopyHasKeysModesAndSavedCopiesOfItsOwn) {
-    Edited x;
-    x.set(1, recordWith(0.5f), 0);
-    x.set(2, oddRecord(3), 1);
-    x.channel->setName("curve");
-    x.channel->setKeyFrameChannelMode(KWKeyFrameModeStep);
-    x.channel->setRepeatMode(KWRepeatModePingPong);
-    const auto copy = std::dynamic_pointer_cast<KWKeyFramedChannel>(x.channel->copy());
-    ASSERT_TRUE(copy);
-    EXPECT_EQ(contentsOf(*copy), contentsOf(*x.channel));
-    EXPECT_EQ(copy->name(), "curve");
-    EXPECT_EQ(copy->keyFrameChannelMode(), KWKeyFrameModeStep);
-    EXPECT_EQ(copy->repeatMode(), KWRepeatModePingPong);
-    EXPECT_EQ(copy->owner(), nullptr);
-    EXPECT_FALSE(copy->isRegular());
-    copy->setValueForKeyframe(9, KWTime(5));
-    EXPECT_EQ(x.channel->keyframeCount(), 2u);
-    EXPECT_EQ(KWKeyFramedChannel::initWithChannel(KWChannel()), nullptr);
-
-    // The saved copies come along: a stop without a start of its own goes back to them.
-    x.channel->startManipulation();
-    const auto taken = KWKeyFramedChannel::initWithChannel(*x.channel);
-    NoticeCounter notices(taken.get());
-    taken->stopManipulation();
-    EXPECT_EQ(notices.count, 0);
-}
-
-TEST(KWKeyFramedChannelEditing, ASubclassWithAClassOfItsOwnCopiesAsItself) {
-    class Wave final : public KWKeyFramedChannel {
-      public:
-        static const KWClass& classObject() {
-            static constinit KWClass theClass{"Wave", &KWKeyFramedChannel::classObject, 0,
-                                              KWClass::make<Wave>};
-            return theClass;
-        }
-        const KWClass& isa() const override { return classObject(); }
-    };
-    const auto wave = std::make_shared<Wave>();
-    wave->setValueForKeyframe(3, KWTime(1));
-    const auto copy = std::dynamic_pointer_cast<Wave>(wave->copy());
-    ASSERT_TRUE(copy);
-    EXPECT_EQ(copy->valueForKeyframe(KWTime(1)), 3);
-    EXPECT_EQ(KWKeyFramedChannel::initWithChannel(*wave), nullptr);
 }
 
 // --- Irregular channels

@@ -14,7 +14,7 @@
 
 static_assert(std::is_trivially_copyable_v<KWTime>);
 static_assert(std::is_nothrow_move_constructible_v<KWTime>);
-static_assert(sizeof(KWTime) == sizeof(float));
+static_assert(sizeof(KWTime) == 8);
 static_assert(std::is_trivially_copyable_v<KWTimeValue>);
 static_assert(KWTime() == KWTime(0.0f));
 static_assert(KWTime(1) < KWTime(2));

@@ -5,6 +5,7 @@
 #include <KWBase/KWKeyFramedChannel.h>
 #include <KWFoundation/KWCoder.h>
 #include <KWFoundation/KWException.h>
+#include <KWFoundation/KWUndoManager.h>
 
 #include <cmath>
 #include <cstring>
@@ -226,6 +227,38 @@ inline std::string contentsOf(const KWKeyFramedChannel& channel) {
         text += "\n";
     }
     return text;
+}
+
+/// A channel whose owner has an undo manager.
+struct Edited {
+    Edited() {
+        owner.manager = manager.get();
+        channel->setOwner(&owner);
+    }
+    void set(float value, float key) { channel->setValueForKeyframe(value, KWTime(key)); }
+    void set(float value, const KWData& record, float key) {
+        channel->setValueHermiteValueForKeyframe(value, record, KWTime(key));
+    }
+    int steps() const {
+        int count = 0;
+        for (; manager->canUndo(); ++count)
+            manager->undo();
+        for (int k = 0; k < count; ++k)
+            manager->redo();
+        return count;
+    }
+
+    std::shared_ptr<KWUndoManager> manager = std::make_shared<KWUndoManager>();
+    CountingOwner owner;
+    std::shared_ptr<KWKeyFramedChannel> channel = std::make_shared<KWKeyFramedChannel>();
+};
+
+/// A record of any length, no byte of it zero.
+inline KWData oddRecord(std::size_t size) {
+    KWData record(size);
+    for (std::size_t k = 0; k < size; ++k)
+        record[k] = static_cast<std::byte>(k + 1);
+    return record;
 }
 
 /// What a call came to: a float's bits, or which exception.

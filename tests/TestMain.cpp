@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdlib>
 
 // Every test sees the same surroundings, whoever runs it and where.
@@ -10,6 +11,8 @@ int main(int argc, char** argv) {
     setenv("KWBASE_TEST_DATA", KWBASE_TEST_DATA, 1);
     setenv("KWBASE_KWCHANNEL", KWBASE_TEST_KWCHANNEL, 1);
     setenv("KWBASE_PYTHON", KWBASE_TEST_PYTHON, 1);
+    // A shell starts what runs in its background with interrupts ignored.
+    std::signal(SIGINT, SIG_DFL);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
