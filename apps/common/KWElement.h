@@ -1,0 +1,60 @@
+#pragma once
+
+#include <KWBase/KWChannelArray.h>
+#include <KWBase/KWChannelElement.h>
+#include <KWFoundation/KWUndoManager.h>
+
+/// A named thing with channels, the unit of which our documents are lists. It owns its channels:
+/// their edits register with its undo manager, and a channel is replaced through it.
+///
+/// Archived as class "KWElement", version 0, keys "name" and "channelArray".
+class KWElement final : public KWChannelElement, public KWChannelOwner {
+  public:
+    /// With an empty channel array.
+    explicit KWElement(std::string name = {});
+    ~KWElement() override;
+
+    static const KWClass& classObject();
+    const KWClass& isa() const override { return classObject(); }
+
+    /// A nil name, as an archive may hold, reads as "".
+    std::string name() const override { return _name; }
+    void setName(std::string name) { _name = std::move(name); }
+
+    /// Null when an archive had none.
+    std::shared_ptr<KWChannelArray> channelArray() const override { return _channelArray; }
+    /// Becomes the owner of the new array's channels and lets go of the old one's. Null is allowed.
+    void setChannelArray(const std::shared_ptr<KWChannelArray>& array);
+
+    /// Adds the channel to the group of that name, which is made where there is none, or to no
+    /// group for "", and becomes its owner. std::invalid_argument for null; std::logic_error
+    /// without a channel array.
+    void addChannelToGroupNamed(const std::shared_ptr<KWChannel>& channel,
+                                const std::string& group = {});
+
+    /// Null for no undo. Not kept alive: once it is gone there is none.
+    KWUndoManager* undoManager() override { return _undoManager.lock().get(); }
+    void setUndoManager(const std::shared_ptr<KWUndoManager>& manager) { _undoManager = manager; }
+
+    /// Puts `newChannel` where `oldChannel` is in the channel array. The new one takes over owner,
+    /// name, colour index and unit type; the old one is left without an owner. Putting it back is
+    /// registered with the undo manager, for which the element must live in a std::shared_ptr
+    /// (std::logic_error).
+    ///
+    /// False, and nothing changed, without an array, when the old channel is not this element's,
+    /// when either is null or they are the same, or when the new one has an owner already.
+    bool replaceChannelWith(const std::shared_ptr<KWChannel>& oldChannel,
+                            const std::shared_ptr<KWChannel>& newChannel) override;
+
+    void encodeWithCoder(KWCoder& coder) const override;
+    bool initWithCoder(KWCoder& coder) override;
+
+  private:
+    std::string _name;
+    std::shared_ptr<KWChannelArray> _channelArray;
+    std::weak_ptr<KWUndoManager> _undoManager;
+};
+
+/// Makes the element, and every class that its documents are made of, known to the archives. Any
+/// number of calls; classes of the same names that are known already stay.
+void kwRegisterElementClass();

@@ -1,0 +1,143 @@
+#include <apps/kwchannel/Channels.h>
+#include <apps/kwchannel/Commands.h>
+#include <apps/kwchannel/Errors.h>
+#include <apps/kwchannel/Json.h>
+#include <apps/kwchannel/Output.h>
+#include <apps/kwchannel/Text.h>
+
+namespace {
+
+struct EvalArguments {
+    std::string document;
+    std::vector<std::string> channels;
+    std::vector<std::string> at;
+    std::string from, to, step;
+    std::vector<std::string> units;
+    bool isJson = false;
+};
+
+/// One list of values a channel.
+using Values = std::vector<std::vector<float>>;
+
+// All values are held until they are known to be good; more than these are bake's business.
+constexpr std::uint64_t largestCount = 20'000'000;
+
+std::vector<float> timesOf(const EvalArguments& arguments) {
+    const bool hasRange =
+        !arguments.from.empty() || !arguments.to.empty() || !arguments.step.empty();
+    if (hasRange == !arguments.at.empty())
+        throw UseError(hasRange ? "--at and --from, --to, --step exclude each other"
+                                : "no times: give --at, or --from, --to and --step");
+    std::vector<float> times;
+    for (const std::string& text : arguments.at)
+        times.push_back(static_cast<float>(numberArgument("--at", text)));
+    if (!hasRange)
+        return times;
+
+    if (arguments.from.empty() || arguments.to.empty() || arguments.step.empty())
+        throw UseError("--from, --to and --step belong together");
+    const TimeSteps steps = TimeSteps::withStep(finiteArgument("--from", arguments.from),
+                                                finiteArgument("--to", arguments.to),
+                                                finiteArgument("--step", arguments.step));
+    if (steps.count() > largestCount)
+        throw UseError("that is " + std::to_string(steps.count()) +
+                       " times; kwchannel bake is made for so many");
+    for (std::uint64_t k = 0; k < steps.count(); ++k)
+        times.push_back(steps.time(k));
+    return times;
+}
+
+std::string evalJson(const std::vector<Place>& places, const std::vector<float>& times,
+                     const Values& values) {
+    Json channels = Json::array();
+    for (std::size_t c = 0; c < places.size(); ++c) {
+        Json channel = {{"path", places[c].path}};
+        const std::string unit = unitName(*places[c].channel);
+        if (!unit.empty())
+            channel["unit"] = unit;
+        channel["values"] = values[c];
+        channels.push_back(std::move(channel));
+    }
+    return jsonText({{"times", times}, {"channels", std::move(channels)}}) + "\n";
+}
+
+/// Of one time: a line for each channel.
+std::string evalList(const std::vector<Place>& places, const Values& values) {
+    using enum Table::Align;
+    Table table({left, right, left});
+    for (std::size_t c = 0; c < places.size(); ++c)
+        table.addRow(
+            {printable(places[c].path), floatText(values[c][0]), unitName(*places[c].channel)});
+    return table.text();
+}
+
+/// Of several times: a line for each time, under the channels' paths.
+std::string evalTable(const std::vector<Place>& places, const std::vector<float>& times,
+                      const Values& values) {
+    Table table(std::vector<Table::Align>(places.size() + 1, Table::Align::right));
+    std::vector<std::string> heading{"time"};
+    for (const Place& place : places) {
+        const std::string unit = unitName(*place.channel);
+        heading.push_back(printable(place.path) + (unit.empty() ? "" : " [" + unit + "]"));
+    }
+    table.addRow(std::move(heading));
+    for (std::size_t t = 0; t < times.size(); ++t) {
+        std::vector<std::string> row{floatText(times[t])};
+        for (const std::vector<float>& list : values)
+            row.push_back(floatText(list[t]));
+        table.addRow(std::move(row));
+    }
+    return table.text();
+}
+
+void runEval(const EvalArguments& arguments) {
+    const std::vector<float> times = timesOf(arguments);
+    setUnits(arguments.units);
+    const KWDocument document = openDocument(arguments.document);
+    const std::vector<Place> places = channelsToEvaluate(document, arguments.channels);
+    if (times.size() > largestCount / places.size())
+        throw UseError("that is more than " + std::to_string(largestCount) +
+                       " values; kwchannel bake is made for so many");
+
+    Values values(places.size(), std::vector<float>(times.size()));
+    for (std::size_t c = 0; c < places.size(); ++c)
+        evaluate(places[c], times, values[c]);
+    if (arguments.isJson)
+        print(evalJson(places, times, values));
+    else if (times.size() == 1)
+        print(evalList(places, values));
+    else
+        print(evalTable(places, times, values));
+}
+
+} // namespace
+
+void addEvalCommand(CLI::App& program) {
+    CLI::App* command = program.add_subcommand("eval", "Prints the values of channels at times");
+    const auto arguments = std::make_shared<EvalArguments>();
+    command->add_option("DOC", arguments->document, "the document; - is standard input")
+        ->required();
+    command->add_option("CHANNEL", arguments->channels,
+                        "paths such as Ball/Position/x, or what they end with, such as x; all "
+                        "channels when there is none");
+    command->add_option("--at", arguments->at, "these times, in seconds")
+        ->type_name("T")
+        ->delimiter(',');
+    command->add_option("--from", arguments->from, "the first time")->type_name("A");
+    command->add_option("--to", arguments->to, "the last time, when it falls on a step")
+        ->type_name("B");
+    command->add_option("--step", arguments->step, "seconds from time to time")->type_name("S");
+    command
+        ->add_option("--unit", arguments->units,
+                     "show lengths or angles in this unit: m (the default), dm, cm, mm, in, ft, "
+                     "mi; rad (the default), deg, gr; or its name in your language")
+        ->type_name("NAME")
+        ->delimiter(',');
+    command->add_flag("--json", arguments->isJson,
+                      "as one JSON object: times, and the values of each channel; what is not "
+                      "finite is null");
+    command->footer("kwchannel eval ball.kwdoc --at 0.5\n"
+                    "kwchannel eval ball.kwdoc Position/y --from 0 --to 2 --step 0.25 --unit cm\n"
+                    "kwchannel eval ball.kwdoc x rotation --at 0,0.5,1 --unit cm deg --json\n");
+    command->callback([arguments] { runEval(*arguments); });
+}
