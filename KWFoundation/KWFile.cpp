@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <random>
 #include <string>
 #include <system_error>
 
@@ -14,8 +15,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// The system's words for an error, in English in every country where the system allows it.
 std::string systemReason(int code) {
+#ifdef __GLIBC__
+    const char* text = ::strerrordesc_np(code);
+    return text ? text : "error " + std::to_string(code);
+#else
     return std::generic_category().message(code);
+#endif
 }
 
 [[noreturn]] void fail(KWArchiveError::Kind kind, const fs::path& path, std::string reason) {
@@ -100,18 +107,20 @@ KWAtomicFile::KWAtomicFile(const fs::path& path) : _path(path), _target(followed
             fail(cannotWrite, _path, systemReason(errno));
         return;
     }
-    std::string pattern = _target.string() + ".XXXXXX";
-    _descriptor = ::mkostemp(pattern.data(), O_CLOEXEC);
-    if (_descriptor < 0)
+    // A new file gets what the process's mask leaves of the usual permissions; one that takes
+    // another's place is closed to others until it has that one's.
+    std::random_device random;
+    do {
+        _temporary = _target.string() + "." + std::to_string(random());
+        _descriptor = ::open(_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                             exists ? 0600 : 0666);
+    } while (_descriptor < 0 && errno == EEXIST);
+    if (_descriptor < 0) {
+        _temporary.clear();
         fail(cannotWrite, _path, systemReason(errno));
-    _temporary = pattern;
-    mode_t mode = status.st_mode & 07777;
-    if (!exists) {
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        mode = 0666 & ~mask;
     }
-    ::fchmod(_descriptor, mode);
+    if (exists)
+        ::fchmod(_descriptor, status.st_mode & 07777);
 }
 
 KWAtomicFile::~KWAtomicFile() {

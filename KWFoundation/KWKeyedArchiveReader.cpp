@@ -1,6 +1,8 @@
 #include <KWFoundation/KWKeyedArchiveReader.h>
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <new>
 #include <utility>
@@ -99,6 +101,23 @@ void KWKeyedArchiveReader::spend(std::uint64_t bytes) {
     budget -= bytes;
 }
 
+KWKeyedArchiveReader::Level::Level(KWKeyedArchiveReader& owningReader, Index node)
+    : reader(owningReader) {
+    if (reader.depth == KWArchiveMaximumDepth)
+        reader.fail(KWArchiveError::Kind::unsupported, node,
+                    "objects are nested more than " + std::to_string(KWArchiveMaximumDepth) +
+                        " deep");
+    ++reader.depth;
+}
+
+Index KWKeyedArchiveReader::find(Index dictionary, std::string_view key) {
+    // The objects of a hostile archive may all be one large dictionary.
+    constexpr std::uint32_t fewEntries = 16;
+    if (list.count(dictionary) > fewEntries)
+        spend(8 * std::uint64_t{list.count(dictionary)});
+    return list.valueForKey(dictionary, key);
+}
+
 void KWKeyedArchiveReader::readFrame() {
     const Index root = list.root();
     if (list.kind(root) != Kind::dictionary)
@@ -119,7 +138,8 @@ void KWKeyedArchiveReader::readFrame() {
     states.reset(static_cast<Slot*>(std::calloc(objects.size() + 1, sizeof(Slot))));
     if (!states)
         throw std::bad_alloc();
-    budget = (std::uint64_t{1} << 26) + 64 * list.nodeCount() * sizeof(Index);
+    budget =
+        (std::uint64_t{1} << 26) + 256 * std::uint64_t{list.nodeCount()} + 16 * list.contentSize();
 }
 
 Index KWKeyedArchiveReader::target(Index reference) const {
@@ -158,13 +178,10 @@ KWArchiveValue KWKeyedArchiveReader::valueOf(Index reference, bool weakly) {
             damaged(reference, "a value that holds itself");
         return weakly ? KWArchiveValue::backReference(known.value.object()) : known.value;
     }
-    if (depth == KWArchiveMaximumDepth)
-        fail(KWArchiveError::Kind::unsupported, reference,
-             "objects are nested more than " + std::to_string(KWArchiveMaximumDepth) + " deep");
+    const Level level(*this, reference);
     Decoded& state = stateOf(slot);
     const Index outerFrame = frame;
     const std::size_t outerPath = path.size();
-    ++depth;
     try {
         state.value = read(node, state);
     } catch (...) {
@@ -172,11 +189,9 @@ KWArchiveValue KWKeyedArchiveReader::valueOf(Index reference, bool weakly) {
         states.get()[slot] = 0;
         path.resize(outerPath);
         frame = outerFrame;
-        --depth;
         throw;
     }
     state.isBusy = false;
-    --depth;
     return state.value;
 }
 
@@ -200,12 +215,14 @@ KWNumber KWKeyedArchiveReader::number(Index node) const {
     }
 }
 
-KWArchiveValue KWKeyedArchiveReader::string(Index node, bool isMutable) const {
+KWArchiveValue KWKeyedArchiveReader::string(Index node, bool isMutable) {
+    spend(list.count(node));
     return std::make_shared<const KWArchiveString>(
         KWArchiveString{std::string(list.stringValue(node)), isMutable});
 }
 
-KWArchiveValue KWKeyedArchiveReader::data(Index node, bool isMutable) const {
+KWArchiveValue KWKeyedArchiveReader::data(Index node, bool isMutable) {
+    spend(list.count(node));
     const auto bytes = list.dataValue(node);
     return std::make_shared<const KWArchiveData>(
         KWArchiveData{KWData(bytes.begin(), bytes.end()), isMutable});
@@ -243,7 +260,7 @@ void KWKeyedArchiveReader::unknownClass(Index node, const std::string& name) con
 }
 
 const KWKeyedArchiveReader::ClassRecord& KWKeyedArchiveReader::classOf(Index instance) {
-    const Index reference = list.valueForKey(instance, "$class");
+    const Index reference = find(instance, "$class");
     if (reference == none)
         damaged(instance, "an object without a class");
     const Index node = target(reference);
@@ -255,9 +272,9 @@ const KWKeyedArchiveReader::ClassRecord& KWKeyedArchiveReader::classOf(Index ins
     return entry->second;
 }
 
-KWKeyedArchiveReader::ClassRecord KWKeyedArchiveReader::readClass(Index node) const {
+KWKeyedArchiveReader::ClassRecord KWKeyedArchiveReader::readClass(Index node) {
     ClassRecord record;
-    const Index name = list.valueForKey(node, "$classname");
+    const Index name = find(node, "$classname");
     if (name == none || list.kind(name) != Kind::string)
         damaged(node, "a class record without a name");
     record.chain = names(node, "$classes");
@@ -272,9 +289,9 @@ KWKeyedArchiveReader::ClassRecord KWKeyedArchiveReader::readClass(Index node) co
     return record;
 }
 
-std::vector<std::string> KWKeyedArchiveReader::names(Index record, std::string_view key) const {
+std::vector<std::string> KWKeyedArchiveReader::names(Index record, std::string_view key) {
     std::vector<std::string> texts;
-    const Index node = list.valueForKey(record, key);
+    const Index node = find(record, key);
     if (node == none)
         return texts;
     if (list.kind(node) != Kind::array)
@@ -311,12 +328,12 @@ KWArchiveValue KWKeyedArchiveReader::readInstance(Index node, Decoded& state) {
     return readUnknown(node, record, state);
 }
 
-Index KWKeyedArchiveReader::content(Index instance, std::string_view key) const {
-    const Index node = list.valueForKey(instance, key);
+Index KWKeyedArchiveReader::content(Index instance, std::string_view key) {
+    const Index node = find(instance, key);
     return node != none && list.kind(node) == Kind::uid ? target(node) : node;
 }
 
-KWArchiveValue KWKeyedArchiveReader::readString(Index node, bool isMutable) const {
+KWArchiveValue KWKeyedArchiveReader::readString(Index node, bool isMutable) {
     const Index text = content(node, "NS.string");
     if (text != none && list.kind(text) == Kind::string)
         return string(text, isMutable);
@@ -326,7 +343,7 @@ KWArchiveValue KWKeyedArchiveReader::readString(Index node, bool isMutable) cons
     return string(bytes, isMutable);
 }
 
-KWArchiveValue KWKeyedArchiveReader::readData(Index node, bool isMutable) const {
+KWArchiveValue KWKeyedArchiveReader::readData(Index node, bool isMutable) {
     Index bytes = content(node, "NS.data");
     if (bytes == none)
         bytes = content(node, "NS.bytes");
@@ -335,27 +352,36 @@ KWArchiveValue KWKeyedArchiveReader::readData(Index node, bool isMutable) const 
     return data(bytes, isMutable);
 }
 
-KWArchiveValue KWKeyedArchiveReader::readNumber(Index node) const {
+KWArchiveValue KWKeyedArchiveReader::readNumber(Index node) {
     for (const char* key : {"NS.number", "NS.dblval", "NS.intval", "NS.boolval"})
         if (const Index value = content(node, key); value != none)
             return number(value);
     damaged(node, "a number without a value");
 }
 
-std::vector<Index> KWKeyedArchiveReader::numberedElements(Index node) const {
-    std::vector<Index> elements;
-    for (;;) {
-        const std::string key = "NS.object." + std::to_string(elements.size());
-        const Index element = list.valueForKey(node, key);
-        if (element == none)
-            return elements;
-        elements.push_back(element);
+std::vector<Index> KWKeyedArchiveReader::numberedElements(Index node) {
+    constexpr std::string_view prefix = "NS.object.";
+    const std::uint32_t count = list.count(node);
+    const auto entries = list.children(node);
+    std::vector<Index> elements(count, none);
+    for (std::uint32_t k = 0; k < count; ++k) {
+        const std::string_view key = list.stringValue(entries[k]);
+        if (!key.starts_with(prefix))
+            continue;
+        std::uint32_t number = 0;
+        const auto end =
+            std::from_chars(key.data() + prefix.size(), key.data() + key.size(), number);
+        if (end.ec == std::errc() && end.ptr == key.data() + key.size() && number < count)
+            elements[number] = entries[count + k];
     }
+    elements.erase(std::ranges::find(elements, none), elements.end());
+    return elements;
 }
 
 KWArchiveValue KWKeyedArchiveReader::readArray(Index node, bool isMutable) {
     std::vector<KWArchiveValue> elements;
     forEachElement(node, [&](std::span<const Index> references) {
+        spend(references.size() * sizeof(KWArchiveValue));
         elements.reserve(references.size());
         for (const Index reference : references) {
             path.push_back({{}, static_cast<std::uint32_t>(elements.size())});
@@ -386,6 +412,7 @@ bool KWKeyedArchiveReader::initialise(KWObject& object, Index node) {
 KWArchiveValue KWKeyedArchiveReader::readUnknown(Index node, const ClassRecord& record,
                                                  Decoded& state) {
     const auto contents = std::make_shared<KWUnknownObject>();
+    spend((record.chain.size() + record.hints.size()) * sizeof(std::string));
     contents->setClassChain(record.chain);
     contents->setClassHints(record.hints);
     std::shared_ptr<KWObject> object = contents;
@@ -399,13 +426,14 @@ KWArchiveValue KWKeyedArchiveReader::readUnknown(Index node, const ClassRecord& 
     std::vector<KWArchiveField> fields;
     const std::uint32_t count = list.count(node);
     const auto entries = list.children(node);
+    spend(count * sizeof(KWArchiveField));
     fields.reserve(count);
     for (std::uint32_t k = 0; k < count; ++k) {
         const std::string_view key = list.stringValue(entries[k]);
         if (key == "$class")
             continue;
         path.push_back({key, 0});
-        fields.push_back(field(std::string(key), entries[count + k], 0));
+        fields.push_back(field(std::string(key), entries[count + k]));
         path.pop_back();
     }
     contents->setFields(std::move(fields));
@@ -414,7 +442,7 @@ KWArchiveValue KWKeyedArchiveReader::readUnknown(Index node, const ClassRecord& 
     return state.value;
 }
 
-KWArchiveField KWKeyedArchiveReader::field(std::string key, Index node, int nesting) {
+KWArchiveField KWKeyedArchiveReader::field(std::string key, Index node) {
     KWArchiveField made{
         .key = std::move(key), .form = KWArchiveField::Form::inlined, .value = {}, .items = {}};
     switch (list.kind(node)) {
@@ -424,11 +452,9 @@ KWArchiveField KWKeyedArchiveReader::field(std::string key, Index node, int nest
         return made;
     case Kind::string:
         made.value = string(node, false);
-        spend(list.count(node));
         return made;
     case Kind::data:
         made.value = data(node, false);
-        spend(list.count(node));
         return made;
     case Kind::array:
     case Kind::dictionary:
@@ -445,9 +471,7 @@ KWArchiveField KWKeyedArchiveReader::field(std::string key, Index node, int nest
         fail(KWArchiveError::Kind::unsupported, node,
              std::string(kindText(list.kind(node))) + " inside an object of an unknown class");
     }
-    if (nesting >= KWArchiveMaximumDepth)
-        fail(KWArchiveError::Kind::unsupported, node,
-             "lists are nested more than " + std::to_string(KWArchiveMaximumDepth) + " deep");
+    const Level level(*this, node);
     const bool isDictionary = list.kind(node) == Kind::dictionary;
     made.form = isDictionary ? KWArchiveField::Form::dictionary : KWArchiveField::Form::list;
     const std::uint32_t count = list.count(node);
@@ -457,18 +481,17 @@ KWArchiveField KWKeyedArchiveReader::field(std::string key, Index node, int nest
         path.push_back({{}, k});
         made.items.push_back(
             field(isDictionary ? std::string(list.stringValue(entries[k])) : std::string(),
-                  entries[isDictionary ? count + k : k], nesting + 1));
+                  entries[isDictionary ? count + k : k]));
         path.pop_back();
     }
     return made;
 }
 
-Index KWKeyedArchiveReader::entry(std::string_view key) const {
-    return key.starts_with('$') ? list.valueForKey(frame, "$" + std::string(key))
-                                : list.valueForKey(frame, key);
+Index KWKeyedArchiveReader::entry(std::string_view key) {
+    return key.starts_with('$') ? find(frame, "$" + std::string(key)) : find(frame, key);
 }
 
-Index KWKeyedArchiveReader::numberEntry(std::string_view key) const {
+Index KWKeyedArchiveReader::numberEntry(std::string_view key) {
     Index node = entry(key);
     if (node != none && list.kind(node) == Kind::uid)
         node = target(node);
@@ -514,7 +537,7 @@ float KWKeyedArchiveReader::realElement(Index node, const KWRealClass& aClass) {
     if (!record.known || !record.known->isSubclassOfClass(aClass.aClass))
         damaged(node, "expected " + std::string(aClass.aClass.name()) + ", found " +
                           record.chain.front());
-    Index value = list.valueForKey(node, aClass.key);
+    Index value = find(node, aClass.key);
     if (value != none && list.kind(value) == Kind::uid)
         value = target(value);
     return value == none ? 0 : number(value).floatValue();

@@ -62,6 +62,16 @@ struct KWKeyedArchiveReader {
     KWKeyedArchiveReader(KWKeyedUnarchiver& unarchiver, KWPropertyList source,
                          KWUnarchivingOptions wanted);
 
+    /// One object or list inside another, for as long as it is being read; an error beyond the
+    /// limit.
+    struct Level {
+        Level(KWKeyedArchiveReader& owningReader, Index node);
+        ~Level() { --reader.depth; }
+        Level(const Level&) = delete;
+        Level& operator=(const Level&) = delete;
+        KWKeyedArchiveReader& reader;
+    };
+
     // --- Errors.
 
     std::string keyPath() const;
@@ -78,6 +88,9 @@ struct KWKeyedArchiveReader {
 
     void readFrame();
 
+    /// The value under a key, or none; large dictionaries are charged for.
+    Index find(Index dictionary, std::string_view key);
+
     // --- References.
 
     /// The object that a reference names; none for nil.
@@ -92,9 +105,9 @@ struct KWKeyedArchiveReader {
 
     KWNumber number(Index node) const;
 
-    KWArchiveValue string(Index node, bool isMutable) const;
+    KWArchiveValue string(Index node, bool isMutable);
 
-    KWArchiveValue data(Index node, bool isMutable) const;
+    KWArchiveValue data(Index node, bool isMutable);
 
     KWArchiveValue read(Index node, Decoded& state);
 
@@ -107,29 +120,29 @@ struct KWKeyedArchiveReader {
 
     const ClassRecord& classOf(Index instance);
 
-    ClassRecord readClass(Index node) const;
+    ClassRecord readClass(Index node);
 
-    std::vector<std::string> names(Index record, std::string_view key) const;
+    std::vector<std::string> names(Index record, std::string_view key);
 
     // --- Instances.
 
     KWArchiveValue readInstance(Index node, Decoded& state);
 
     /// The value under one of a cluster's own keys, which may be in the object or referred to.
-    Index content(Index instance, std::string_view key) const;
+    Index content(Index instance, std::string_view key);
 
-    KWArchiveValue readString(Index node, bool isMutable) const;
+    KWArchiveValue readString(Index node, bool isMutable);
 
-    KWArchiveValue readData(Index node, bool isMutable) const;
+    KWArchiveValue readData(Index node, bool isMutable);
 
-    KWArchiveValue readNumber(Index node) const;
+    KWArchiveValue readNumber(Index node);
 
     /// The references that a list holds: in one list, or under a key each.
-    std::vector<Index> numberedElements(Index node) const;
+    std::vector<Index> numberedElements(Index node);
 
     template <class Function>
     void forEachElement(Index node, Function function) {
-        const Index elements = list.valueForKey(node, "NS.objects");
+        const Index elements = find(node, "NS.objects");
         if (elements != none && list.kind(elements) != Kind::array)
             wrongKind(elements, "a list");
         const std::vector<Index> numbered =
@@ -147,15 +160,15 @@ struct KWKeyedArchiveReader {
 
     KWArchiveValue readUnknown(Index node, const ClassRecord& record, Decoded& state);
 
-    KWArchiveField field(std::string key, Index node, int nesting);
+    KWArchiveField field(std::string key, Index node);
 
     // --- What the coder's calls come to.
 
     /// The entry of the object being read under a key; none when there is none.
-    Index entry(std::string_view key) const;
+    Index entry(std::string_view key);
 
     /// A number under a key: in the object, or referred to. none when absent or nil.
-    Index numberEntry(std::string_view key) const;
+    Index numberEntry(std::string_view key);
 
     template <class Function>
     auto at(std::string_view key, Function function) {

@@ -71,12 +71,16 @@ struct KWKeyedArchiver::Impl {
         return reference;
     }
 
-    Index referenceToContents(Slot slot, const KWArchiveValue& value) {
-        const Index reference = list.addUID(slot);
+    void enterLevel() {
         if (++depth > KWArchiveMaximumDepth)
             throw KWArchiveError(KWArchiveError::Kind::unsupported, {}, std::nullopt, {},
                                  "objects are nested more than " +
                                      std::to_string(KWArchiveMaximumDepth) + " deep");
+    }
+
+    Index referenceToContents(Slot slot, const KWArchiveValue& value) {
+        const Index reference = list.addUID(slot);
+        enterLevel();
         if (const auto* string = value.string())
             writeString(slot, *string);
         else if (const auto* data = value.data())
@@ -189,6 +193,7 @@ struct KWKeyedArchiver::Impl {
         case KWArchiveField::Form::dictionary:
             break;
         }
+        enterLevel();
         std::vector<Index> keys;
         std::vector<Index> values;
         for (const KWArchiveField& item : field.items) {
@@ -196,9 +201,9 @@ struct KWKeyedArchiver::Impl {
                 keys.push_back(list.addString(item.key));
             values.push_back(fieldNode(item));
         }
-        return keys.empty() && field.form == KWArchiveField::Form::list
-                   ? list.addArray(values)
-                   : list.addDictionary(keys, values);
+        --depth;
+        return field.form == KWArchiveField::Form::list ? list.addArray(values)
+                                                        : list.addDictionary(keys, values);
     }
 
     Index inlineNode(const KWArchiveValue& value) {
@@ -279,6 +284,10 @@ struct KWKeyedArchiver::Impl {
     }
 
     // --- What the coder's calls come to.
+
+    /// A list under a key; `element` makes the node of each element in turn.
+    template <class Element>
+    void encodeList(std::string_view key, std::size_t count, Element element);
 
     Frame& frame() {
         if (finished)
@@ -401,66 +410,48 @@ void KWKeyedArchiver::encodeBytesForKey(std::span<const std::byte> bytes, std::s
 
 // The lists make the very nodes, in the very order, that the general way makes.
 
-void KWKeyedArchiver::encodeFloatsForKey(std::span<const float> list, std::string_view key) {
-    Impl& it = *_impl;
-    it.frame();
-    const Index keyNode = it.keyNode(key);
-    const Slot slot = it.reserveSlot();
-    const Index reference = it.list.addUID(slot);
+template <class Element>
+void KWKeyedArchiver::Impl::encodeList(std::string_view key, std::size_t count, Element element) {
+    frame();
+    const Index keyReference = keyNode(key);
+    const Slot slot = reserveSlot();
+    const Index reference = list.addUID(slot);
     std::vector<Index> references;
-    references.reserve(list.size());
-    for (const float value : list) {
-        const Slot element = it.reserveSlot();
-        references.push_back(it.list.addUID(element));
-        it.slots[element] = it.list.addFloat(value);
+    references.reserve(count);
+    for (std::size_t k = 0; k < count; ++k) {
+        const Slot elementSlot = reserveSlot();
+        references.push_back(list.addUID(elementSlot));
+        slots[elementSlot] = element(k);
     }
-    it.closeArray(slot, references, true);
-    Impl::addKeyNode(it.frame(), keyNode, reference);
+    closeArray(slot, references, true);
+    addKeyNode(frame(), keyReference, reference);
+}
+
+void KWKeyedArchiver::encodeFloatsForKey(std::span<const float> list, std::string_view key) {
+    _impl->encodeList(key, list.size(),
+                      [&](std::size_t k) { return _impl->list.addFloat(list[k]); });
 }
 
 void KWKeyedArchiver::encodeRealObjectsForKey(std::span<const float> list,
                                               const KWRealClass& aClass, std::string_view key) {
-    Impl& it = *_impl;
-    it.frame();
-    const Index keyNode = it.keyNode(key);
-    const Slot slot = it.reserveSlot();
-    const Index reference = it.list.addUID(slot);
-    std::vector<Index> references;
-    references.reserve(list.size());
     std::array<Index, 2> keys{};
     Slot classSlot = nullSlot;
-    for (const float value : list) {
-        const Slot element = it.reserveSlot();
-        references.push_back(it.list.addUID(element));
-        const bool isFirst = references.size() == 1;
-        if (isFirst)
-            keys[0] = it.keyNode(aClass.key);
-        std::array<Index, 2> values{it.list.addDouble(static_cast<double>(value))};
-        if (isFirst) {
-            keys[1] = it.classKey();
-            classSlot = it.classSlot(aClass.aClass);
+    _impl->encodeList(key, list.size(), [&](std::size_t k) {
+        if (k == 0)
+            keys[0] = _impl->keyNode(aClass.key);
+        std::array<Index, 2> values{_impl->list.addDouble(static_cast<double>(list[k]))};
+        if (k == 0) {
+            keys[1] = _impl->classKey();
+            classSlot = _impl->classSlot(aClass.aClass);
         }
-        values[1] = it.list.addUID(classSlot);
-        it.slots[element] = it.list.addDictionary(keys, values);
-    }
-    it.closeArray(slot, references, true);
-    Impl::addKeyNode(it.frame(), keyNode, reference);
+        values[1] = _impl->list.addUID(classSlot);
+        return _impl->list.addDictionary(keys, values);
+    });
 }
 
 void KWKeyedArchiver::encodeRecordsForKey(std::span<const std::byte> list, std::size_t recordSize,
                                           std::string_view key) {
-    Impl& it = *_impl;
-    it.frame();
-    const Index keyNode = it.keyNode(key);
-    const Slot slot = it.reserveSlot();
-    const Index reference = it.list.addUID(slot);
-    std::vector<Index> references;
-    references.reserve(list.size() / recordSize);
-    for (; !list.empty(); list = list.subspan(recordSize)) {
-        const Slot element = it.reserveSlot();
-        references.push_back(it.list.addUID(element));
-        it.slots[element] = it.list.addData(list.first(recordSize));
-    }
-    it.closeArray(slot, references, true);
-    Impl::addKeyNode(it.frame(), keyNode, reference);
+    _impl->encodeList(key, list.size() / recordSize, [&](std::size_t k) {
+        return _impl->list.addData(list.subspan(k * recordSize, recordSize));
+    });
 }

@@ -2,9 +2,11 @@
 #include <KWFoundation/KWPropertyListForms.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <random>
 #include <stdexcept>
 
 namespace {
@@ -22,20 +24,40 @@ std::uint64_t mix(std::uint64_t value) {
     return value ^ (value >> 32);
 }
 
-std::uint64_t hashOf(std::span<const std::byte> bytes, std::uint64_t seed) {
-    std::uint64_t hash = mix(seed + bytes.size());
-    while (bytes.size() >= 8) {
+/// The words of some bytes, the last one filled up with zeros.
+template <class Function>
+void forEachWord(std::span<const std::byte> bytes, Function function) {
+    for (; !bytes.empty(); bytes = bytes.subspan(std::min<std::size_t>(8, bytes.size()))) {
         std::uint64_t word = 0;
-        std::memcpy(&word, bytes.data(), 8);
-        hash = mix(hash ^ word);
-        bytes = bytes.subspan(8);
+        std::memcpy(&word, bytes.data(), std::min<std::size_t>(8, bytes.size()));
+        function(word);
     }
-    if (!bytes.empty()) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, bytes.data(), bytes.size());
-        hash = mix(hash ^ word);
-    }
+}
+
+/// Decides which small data become one node, so it is the same on every day.
+std::uint64_t hashOfData(std::span<const std::byte> bytes) {
+    std::uint64_t hash = mix(bytes.size() + 1);
+    forEachWord(bytes, [&](std::uint64_t word) { hash = mix(hash ^ word); });
     return hash;
+}
+
+/// Places a string in the table of strings. What a file holds must not be able to make strings meet
+/// in one place, so each process has secrets of its own.
+std::uint64_t hashOfString(std::string_view text) {
+    static const std::array<std::uint64_t, 2> secrets = [] {
+        std::random_device random;
+        const auto word = [&] { return std::uint64_t{random()} << 32 | random() | 1; };
+        return std::array{word(), word()};
+    }();
+    __extension__ using Wide = unsigned __int128;
+    const auto fold = [](std::uint64_t a, std::uint64_t b) {
+        const Wide product = Wide{a} * b;
+        return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+    };
+    std::uint64_t hash = secrets[0] ^ text.size();
+    forEachWord(std::as_bytes(std::span(text)),
+                [&](std::uint64_t word) { hash = fold(hash ^ word, secrets[1]) + secrets[0]; });
+    return fold(hash, secrets[1]);
 }
 
 bool startsWith(std::span<const std::byte> bytes, std::string_view text) {
@@ -226,7 +248,7 @@ Index KWPropertyList::addString(std::string_view text) {
     if (2 * _stringCount >= _stringTable.size())
         growStringTable();
     const auto bytes = std::as_bytes(std::span(text));
-    std::size_t place = hashOf(bytes, 0) & (_stringTable.size() - 1);
+    std::size_t place = hashOfString(text) & (_stringTable.size() - 1);
     while (_stringTable[place] != none) {
         if (stringValue(_stringTable[place]) == text)
             return _stringTable[place];
@@ -247,7 +269,7 @@ void KWPropertyList::growStringTable() {
     for (const Index node : old) {
         if (node == none)
             continue;
-        std::size_t place = hashOf(dataValue(node), 0) & (_stringTable.size() - 1);
+        std::size_t place = hashOfString(stringValue(node)) & (_stringTable.size() - 1);
         while (_stringTable[place] != none)
             place = (place + 1) & (_stringTable.size() - 1);
         _stringTable[place] = node;
@@ -259,7 +281,7 @@ Index KWPropertyList::addData(std::span<const std::byte> bytes) {
     if (bytes.size() <= smallDataSize) {
         if (_recentScalars.empty())
             _recentScalars.assign(recentScalarCount, none);
-        recent = &_recentScalars[hashOf(bytes, 1) % recentScalarCount];
+        recent = &_recentScalars[hashOfData(bytes) % recentScalarCount];
         if (*recent != none && kind(*recent) == Kind::data &&
             std::ranges::equal(dataValue(*recent), bytes))
             return *recent;

@@ -62,6 +62,8 @@ class KW_EXPORT KWPropertyList {
 
     Index root() const { return _root; }
     std::size_t nodeCount() const { return _nodes.size(); }
+    /// No less than the bytes of all strings and data together.
+    std::uint64_t contentSize() const { return _source.size() + _store.size(); }
     Kind kind(Index node) const { return _nodes[node].kind; }
     /// Where the node starts in the file it was read from.
     std::uint64_t offset(Index node) const;

@@ -17,7 +17,8 @@ using Kind = KWPropertyList::Kind;
 class XMLWriter {
   public:
     XMLWriter(const KWPropertyList& list, KWByteSink& sink)
-        : _list(list), _sink(sink), _budget(64 * std::uint64_t{list.nodeCount()} + 4096) {}
+        : _list(list), _sink(sink),
+          _budget(1024 * std::uint64_t{list.nodeCount()} + 16 * list.contentSize() + 65536) {}
 
     void write() {
         _sink.put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -43,6 +44,12 @@ class XMLWriter {
                              _list.file().empty() ? std::nullopt
                                                   : std::optional(_list.offset(node)),
                              {}, std::move(reason));
+    }
+
+    void spend(Index node, std::uint64_t bytes) {
+        if (bytes > _budget)
+            fail(node, "lists share their parts too often for the XML form");
+        _budget -= bytes;
     }
 
     void indent(std::size_t depth) {
@@ -74,9 +81,8 @@ class XMLWriter {
     }
 
     void writeNode(Index node) {
-        // Containers that a binary list shares are written out each time they are met.
-        if (_budget-- == 0)
-            fail(node, "lists share their parts too often for the XML form");
+        // What a binary list shares is written out each time it is met.
+        spend(node, 16);
         indent(_open.size());
         switch (_list.kind(node)) {
         case Kind::null:
@@ -184,7 +190,24 @@ class XMLWriter {
     }
 
     void writeText(Index node) {
-        const std::string_view text = _list.stringValue(node);
+        spend(node, _list.count(node));
+        if (_list.isASCII(node))
+            writeText(node, _list.stringValue(node));
+        else
+            writeText(node, wellFormed(_list.stringValue(node)));
+    }
+
+    /// The text with U+FFFD for what is no UTF-8, as the binary form has it.
+    static std::string wellFormed(std::string_view text) {
+        std::string bytes;
+        for (const char16_t unit : KWUTF16FromUTF8(text)) {
+            bytes += static_cast<char>(unit >> 8);
+            bytes += static_cast<char>(unit & 0xff);
+        }
+        return KWUTF8FromUTF16(bytes);
+    }
+
+    void writeText(Index node, std::string_view text) {
         std::size_t plain = 0;
         for (std::size_t k = 0; k < text.size(); ++k) {
             std::string_view escape;
@@ -228,6 +251,7 @@ class XMLWriter {
         constexpr std::size_t lineBytes = 57;
         const std::size_t depth = _open.size();
         auto bytes = _list.dataValue(node);
+        spend(node, bytes.size());
         _sink.put("<data>\n");
         while (!bytes.empty()) {
             indent(depth);

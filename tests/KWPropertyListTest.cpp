@@ -260,6 +260,23 @@ TEST(KWPropertyList, RefusesXMLThatGrowsBeyondMeasure) {
     EXPECT_THROW(list.data(Format::xml), KWArchiveError);
 }
 
+TEST(KWPropertyList, RefusesXMLOfOneLongTextManyTimesOver) {
+    KWPropertyList list;
+    const Index text = list.addString(std::string(1 << 20, 'x'));
+    const std::vector<Index> elements(500, text);
+    list.setRoot(list.addArray(elements));
+    EXPECT_THROW(list.data(Format::xml), KWArchiveError);
+}
+
+TEST(KWPropertyList, BytesThatAreNoUTF8BecomeTheSameTextInBothForms) {
+    KWPropertyList list;
+    list.setRoot(list.addString("caf\xe9 \xff!"));
+    for (const Format format : {Format::binary, Format::xml}) {
+        const KWData bytes = list.data(format);
+        EXPECT_EQ(textOf(KWPropertyList::parse(bytes)), "\"caf\ufffd \ufffd!\"");
+    }
+}
+
 TEST(KWPropertyList, XMLRefusesWhatItCannotCarry) {
     const auto refused = [](Index (*make)(KWPropertyList&)) {
         EXPECT_THROW(listOf(make).data(Format::xml), KWArchiveError);
