@@ -1,6 +1,7 @@
 #include <KWBase/KWChannel.h>
 #include <KWBase/KWUnitController.h>
 #include <KWFoundation/KWCoder.h>
+#include <KWFoundation/KWFirstException.h>
 #include <KWFoundation/KWNotificationCenter.h>
 
 #include <stdexcept>
@@ -116,14 +117,17 @@ void KWChannel::valuesForTimes(std::span<const float> times, std::span<float> va
 void KWChannel::setValueForTime(float, std::optional<KWTime>) {
     // Whoever is told here may let go of the channel, or of its owner, before the next is told.
     const auto alive = weak_from_this().lock();
-    invalidate();
-    if (KWChannelOwner* const user = owner())
-        user->invalidate();
-    didChange();
+    KWFirstException raised;
+    raised.during([this] { invalidate(); });
+    raised.during([this] {
+        if (KWChannelOwner* const user = owner())
+            user->invalidate();
+    });
+    raised.during([this] { didChange(); });
+    raised.rethrow();
 }
 
 void KWChannel::didChange() {
-    const auto alive = weak_from_this().lock();
     KWNotificationCenter::defaultCenter().postNotificationNameObject(KWChannelChangedNotification,
                                                                      this);
 }
@@ -180,14 +184,14 @@ void KWChannel::encodeWithCoder(KWCoder& coder) const {
     if (coder.allowsKeyedCoding())
         encodeWithKeys(coder);
     else
-        throw std::logic_error("KWChannel: a coder without keys");
+        encodeInOrder(coder);
 }
 
 bool KWChannel::initWithCoder(KWCoder& coder) {
     if (coder.allowsKeyedCoding())
         decodeWithKeys(coder);
     else
-        throw std::logic_error("KWChannel: a coder without keys");
+        decodeInOrder(coder);
     _valid = false;
     _manipulating = false;
     _updateTime = KWTime(0);
@@ -209,6 +213,29 @@ void KWChannel::decodeWithKeys(KWCoder& coder) {
     _unitType = coder.decodeInt32ForKey("unitType");
     takeArchivedGroup(coder.decodeObjectOfClassForKey<KWObject>("channelGroup"));
     takeArchivedOwner(coder.decodeObjectOfClassForKey<KWObject>("owner"));
+}
+
+// Version 1 brought the group, version 2 the unit type. The owner is in none.
+
+void KWChannel::encodeInOrder(KWCoder& coder) const {
+    const std::int64_t version = coder.versionForClassName(classObject().name());
+    coder.encodeObject(_name);
+    coder.encodeValueOfObjCTypeAt("i", &_colorIndex);
+    if (version >= 1)
+        coder.encodeConditionalObject(_channelGroup.lock());
+    if (version >= 2)
+        coder.encodeValueOfObjCTypeAt("i", &_unitType);
+}
+
+void KWChannel::decodeInOrder(KWCoder& coder) {
+    const std::int64_t version = coder.versionForClassName(classObject().name());
+    _name = coder.decodeString("name").value_or(std::string());
+    coder.decodeValueOfObjCTypeAt("i", &_colorIndex);
+    takeArchivedGroup(version >= 1 ? coder.decodeObjectOfClass<KWObject>("channelGroup") : nullptr);
+    _unitType = KWUnitTypeNone;
+    if (version >= 2)
+        coder.decodeValueOfObjCTypeAt("i", &_unitType);
+    takeArchivedOwner(nullptr);
 }
 
 std::shared_ptr<KWObject> KWChannel::ownerForArchive() const {

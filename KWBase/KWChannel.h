@@ -96,7 +96,9 @@ class KW_EXPORT KWChannel : public KWObject {
     virtual void valuesForTimes(std::span<const float> times, std::span<float> values) const;
 
     /// Sets what a subclass understands by a value at a time. The base stores nothing: it
-    /// invalidates itself and its owner and calls didChange(); subclasses store and call it.
+    /// invalidates itself and its owner and calls didChange(); subclasses store and call it. One
+    /// that throws when it is told does not keep the others from being told, nor the edit from
+    /// being made; the first exception is rethrown at the end.
     virtual void setValueForTime(float value, std::optional<KWTime> time);
 
     /// The kept value if it is current, else the function's value at the time of the last update,
@@ -142,6 +144,8 @@ class KW_EXPORT KWChannel : public KWObject {
     static std::shared_ptr<KWObject> makeUnknownChannel(std::shared_ptr<KWUnknownObject> contents);
     void encodeWithKeys(KWCoder& coder) const;
     void decodeWithKeys(KWCoder& coder);
+    void encodeInOrder(KWCoder& coder) const;
+    void decodeInOrder(KWCoder& coder);
     /// The owner as archives take it: null when it is no object in a std::shared_ptr.
     std::shared_ptr<KWObject> ownerForArchive() const;
     /// Objects that an archive named as group and owner, of whatever class and maybe not yet

@@ -24,7 +24,8 @@ const KWClass& KWChannelArray::classObject() {
 std::uint32_t KWChannelArray::channelCount() const {
     std::size_t count = _channels ? _channels->size() : 0;
     for (std::uint32_t k = 0; k < channelGroupCount(); ++k)
-        count += (*_channelGroups)[k]->count();
+        if (const auto& group = (*_channelGroups)[k])
+            count += group->count();
     return static_cast<std::uint32_t>(count);
 }
 
@@ -74,37 +75,49 @@ const std::shared_ptr<KWChannel>& KWChannelArray::channelAtIndexInGroup(std::uin
     return list(group).at(index);
 }
 
+KWChannel& KWChannelArray::channelAt(std::uint32_t index, std::uint32_t group) const {
+    const std::shared_ptr<KWChannel>& channel = channelAtIndexInGroup(index, group);
+    if (!channel)
+        throw std::out_of_range("KWChannelArray: no channel at that index");
+    return *channel;
+}
+
 void KWChannelArray::setChannelValueAtIndexInGroupForTime(float value, std::uint32_t index,
                                                           std::uint32_t group,
                                                           std::optional<KWTime> time) {
     // Held here, as those whom it tells may take it out of the list.
     const std::shared_ptr<KWChannel> channel = channelAtIndexInGroup(index, group);
-    channel->setValueForTime(value, time);
+    channelAt(index, group).setValueForTime(value, time);
 }
 
 float KWChannelArray::getChannelValueAtIndexInGroupForTime(std::uint32_t index, std::uint32_t group,
                                                            std::optional<KWTime> time) const {
-    return channelAtIndexInGroup(index, group)->valueForTime(time);
+    return channelAt(index, group).valueForTime(time);
 }
 
 const std::string& KWChannelArray::getChannelNameAtIndexInGroup(std::uint32_t index,
                                                                 std::uint32_t group) const {
-    return channelAtIndexInGroup(index, group)->name();
+    return channelAt(index, group).name();
 }
 
 std::shared_ptr<KWChannelList> KWChannelArray::channels() const {
-    return channelGroupCount() == 0 ? _channels
-                                    : std::make_shared<KWChannelList>(channelEnumerator());
+    return channelGroupCount() == 0 ? _channels : std::make_shared<KWChannelList>(allElements());
 }
 
 KWChannelList KWChannelArray::channelEnumerator() const {
+    KWChannelList all = allElements();
+    std::erase(all, nullptr);
+    return all;
+}
+
+KWChannelList KWChannelArray::allElements() const {
     KWChannelList all;
     all.reserve(channelCount());
     if (_channels)
         all = *_channels;
     for (std::uint32_t k = 0; k < channelGroupCount(); ++k)
-        if (const auto& grouped = (*_channelGroups)[k]->channels())
-            all.insert(all.end(), grouped->begin(), grouped->end());
+        if (const auto& group = (*_channelGroups)[k]; group && group->channels())
+            all.insert(all.end(), group->channels()->begin(), group->channels()->end());
     return all;
 }
 
@@ -147,7 +160,7 @@ std::shared_ptr<KWChannelGroup> KWChannelArray::groupWithName(std::string_view n
 
 std::uint32_t KWChannelArray::indexOfGroupNamed(std::string_view name) const {
     for (std::uint32_t k = 0; k < channelGroupCount(); ++k)
-        if ((*_channelGroups)[k]->name() == name)
+        if (const auto& group = (*_channelGroups)[k]; group && group->name() == name)
             return k;
     return KWUngroupedChannels;
 }
@@ -165,34 +178,37 @@ std::shared_ptr<KWChannelArray> KWChannelArray::copy() const {
 
 void KWChannelArray::encodeWithCoder(KWCoder& coder) const {
     KWObject::encodeWithCoder(coder);
-    if (coder.allowsKeyedCoding())
-        encodeWithKeys(coder);
-    else
-        throw std::logic_error("KWChannelArray: a coder without keys");
-}
-
-bool KWChannelArray::initWithCoder(KWCoder& coder) {
-    if (coder.allowsKeyedCoding())
-        decodeWithKeys(coder);
-    else
-        throw std::logic_error("KWChannelArray: a coder without keys");
-    return true;
-}
-
-void KWChannelArray::encodeWithKeys(KWCoder& coder) const {
     KWArchiveValue channels;
     if (_channels)
         channels = KWArchiveValue::mutableArray({_channels->begin(), _channels->end()});
     KWArchiveValue groups;
     if (_channelGroups)
         groups = KWArchiveValue::mutableArray({_channelGroups->begin(), _channelGroups->end()});
-    coder.encodeObjectForKey(channels, "channels");
-    coder.encodeObjectForKey(groups, "channelGroups");
+    if (coder.allowsKeyedCoding()) {
+        coder.encodeObjectForKey(channels, "channels");
+        coder.encodeObjectForKey(groups, "channelGroups");
+        return;
+    }
+    coder.encodeObject(channels);
+    if (coder.versionForClassName(classObject().name()) >= 1)
+        coder.encodeObject(groups);
 }
 
-void KWChannelArray::decodeWithKeys(KWCoder& coder) {
-    auto channels = coder.decodeObjectsOfClassForKey<KWChannel>("channels");
-    auto groups = coder.decodeObjectsOfClassForKey<KWChannelGroup>("channelGroups");
+bool KWChannelArray::initWithCoder(KWCoder& coder) {
+    std::optional<KWChannelList> channels;
+    std::optional<KWChannelGroupList> groups;
+    if (coder.allowsKeyedCoding()) {
+        channels = coder.decodeObjectsOfClassForKey<KWChannel>("channels");
+        groups = coder.decodeObjectsOfClassForKey<KWChannelGroup>("channelGroups");
+    } else {
+        // Version 1 brought the groups; what later versions hold is not known here.
+        const std::int64_t version = coder.versionForClassName(classObject().name());
+        if (version == 0 || version == 1)
+            channels = coder.decodeObjectsOfClass<KWChannel>("channels");
+        if (version == 1)
+            groups = coder.decodeObjectsOfClass<KWChannelGroup>("channelGroups");
+    }
     _channels = channels ? std::make_shared<KWChannelList>(std::move(*channels)) : nullptr;
     _channelGroups = groups ? std::make_shared<KWChannelGroupList>(std::move(*groups)) : nullptr;
+    return true;
 }

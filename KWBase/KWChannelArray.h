@@ -12,6 +12,8 @@ inline constexpr std::uint32_t KWUngroupedChannels = 0xffffffff;
 /// All channels of one element: some in no group, and named groups of others, both in order.
 ///
 /// A list that an archive did not hold is null: it counts as empty, and nothing can be added to it.
+/// A null element, which a host may put into a live list, keeps its place and is otherwise passed
+/// over.
 class KW_EXPORT KWChannelArray : public KWObject, public KWChannelOwner {
   public:
     KWChannelArray();
@@ -20,7 +22,7 @@ class KW_EXPORT KWChannelArray : public KWObject, public KWChannelOwner {
     static const KWClass& classObject();
     const KWClass& isa() const override { return classObject(); }
 
-    /// Of the ungrouped and of every group's channels.
+    /// Of the ungrouped and of every group's channels, null elements included.
     std::uint32_t channelCount() const;
 
     /// Appends to the ungrouped channels; sets neither group nor owner. std::invalid_argument for
@@ -36,6 +38,8 @@ class KW_EXPORT KWChannelArray : public KWObject, public KWChannelOwner {
                             const std::shared_ptr<KWChannel>& newChannel) override;
 
     // By index in a group, or among the ungrouped channels: std::out_of_range for either index.
+    // Where a null element stands, channelAtIndexInGroup answers null and the others raise the
+    // same.
     void setChannelValueAtIndexInGroupForTime(float value, std::uint32_t index, std::uint32_t group,
                                               std::optional<KWTime> time);
     float getChannelValueAtIndexInGroupForTime(std::uint32_t index, std::uint32_t group,
@@ -49,7 +53,7 @@ class KW_EXPORT KWChannelArray : public KWObject, public KWChannelOwner {
     /// walk over the channels in a loop, take channelEnumerator().
     std::shared_ptr<KWChannelList> channels() const;
 
-    /// Those channels as they are now, to walk over while the array changes.
+    /// Those channels as they are now, to walk over while the array changes; without null elements.
     KWChannelList channelEnumerator() const;
 
     const std::shared_ptr<KWChannelList>& ungroupedChannels() const { return _channels; }
@@ -83,10 +87,10 @@ class KW_EXPORT KWChannelArray : public KWObject, public KWChannelOwner {
     bool initWithCoder(KWCoder& coder) override;
 
   private:
-    void encodeWithKeys(KWCoder& coder) const;
-    void decodeWithKeys(KWCoder& coder);
     /// The list that a group index addresses; an empty one for a null list.
     const KWChannelList& list(std::uint32_t group) const;
+    KWChannel& channelAt(std::uint32_t index, std::uint32_t group) const;
+    KWChannelList allElements() const;
 
     std::shared_ptr<KWChannelList> _channels;
     std::shared_ptr<KWChannelGroupList> _channelGroups;

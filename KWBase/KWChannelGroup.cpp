@@ -82,42 +82,42 @@ void KWChannelGroup::removeAllChannels() {
     const KWChannelList all = *_channels;
     for (const auto& channel : all)
         removeChannel(channel);
+    std::erase(*_channels, nullptr);
 }
 
 std::shared_ptr<KWChannelGroup> KWChannelGroup::copy() const {
     auto made = std::make_shared<KWChannelGroup>(_name);
-    if (_channels)
-        for (const auto& channel : *_channels)
+    if (!_channels)
+        return made;
+    for (const auto& channel : *_channels) {
+        if (channel)
             made->addChannel(channel->copy());
+        else
+            made->_channels->push_back(nullptr);
+    }
     return made;
 }
 
 void KWChannelGroup::encodeWithCoder(KWCoder& coder) const {
     KWObject::encodeWithCoder(coder);
-    if (coder.allowsKeyedCoding())
-        encodeWithKeys(coder);
-    else
-        throw std::logic_error("KWChannelGroup: a coder without keys");
-}
-
-bool KWChannelGroup::initWithCoder(KWCoder& coder) {
-    if (coder.allowsKeyedCoding())
-        decodeWithKeys(coder);
-    else
-        throw std::logic_error("KWChannelGroup: a coder without keys");
-    return true;
-}
-
-void KWChannelGroup::encodeWithKeys(KWCoder& coder) const {
     KWArchiveValue channels;
     if (_channels)
         channels = KWArchiveValue::mutableArray({_channels->begin(), _channels->end()});
-    coder.encodeObjectForKey(_name, "name");
-    coder.encodeObjectForKey(channels, "channels");
+    if (coder.allowsKeyedCoding()) {
+        coder.encodeObjectForKey(_name, "name");
+        coder.encodeObjectForKey(channels, "channels");
+    } else {
+        coder.encodeObject(_name);
+        coder.encodeObject(channels);
+    }
 }
 
-void KWChannelGroup::decodeWithKeys(KWCoder& coder) {
-    _name = coder.decodeStringForKey("name").value_or(std::string());
-    auto channels = coder.decodeObjectsOfClassForKey<KWChannel>("channels");
+bool KWChannelGroup::initWithCoder(KWCoder& coder) {
+    const bool hasKeys = coder.allowsKeyedCoding();
+    _name = (hasKeys ? coder.decodeStringForKey("name") : coder.decodeString("name"))
+                .value_or(std::string());
+    auto channels = hasKeys ? coder.decodeObjectsOfClassForKey<KWChannel>("channels")
+                            : coder.decodeObjectsOfClass<KWChannel>("channels");
     _channels = channels ? std::make_shared<KWChannelList>(std::move(*channels)) : nullptr;
+    return true;
 }

@@ -7,6 +7,8 @@
 /// as the list is changed through the group alone.
 ///
 /// A list that an archive did not hold is null: such a group is empty, and nothing can be added.
+/// A null element, which a host may put into the live list, keeps its place and is otherwise passed
+/// over.
 class KW_EXPORT KWChannelGroup : public KWObject, public KWChannelOwner {
   public:
     explicit KWChannelGroup(std::string name = {});
@@ -21,6 +23,7 @@ class KW_EXPORT KWChannelGroup : public KWObject, public KWChannelOwner {
 
     /// The live list; null when an archive had none.
     const std::shared_ptr<KWChannelList>& channels() const { return _channels; }
+    /// Of the list's elements.
     std::uint32_t count() const;
 
     /// Appends the channel, unless it stands in the list, and becomes its group, taking it out of
@@ -49,8 +52,6 @@ class KW_EXPORT KWChannelGroup : public KWObject, public KWChannelOwner {
     bool initWithCoder(KWCoder& coder) override;
 
   private:
-    void encodeWithKeys(KWCoder& coder) const;
-    void decodeWithKeys(KWCoder& coder);
     /// std::logic_error when the group does not live in a std::shared_ptr.
     std::shared_ptr<KWChannelGroup> sharedSelf();
 

@@ -48,6 +48,8 @@ void KWConstantChannel::encodeWithCoder(KWCoder& coder) const {
     KWChannel::encodeWithCoder(coder);
     if (coder.allowsKeyedCoding())
         coder.encodeDoubleForKey(static_cast<double>(_constValue), "constValue");
+    else
+        coder.encodeValueOfObjCTypeAt("f", &_constValue);
 }
 
 bool KWConstantChannel::initWithCoder(KWCoder& coder) {
@@ -55,5 +57,7 @@ bool KWConstantChannel::initWithCoder(KWCoder& coder) {
         return false;
     if (coder.allowsKeyedCoding())
         _constValue = static_cast<float>(coder.decodeDoubleForKey("constValue"));
+    else
+        coder.decodeValueOfObjCTypeAt("f", &_constValue);
     return true;
 }

@@ -7,6 +7,7 @@
 #include <array>
 
 class KWChannelCursor;
+class KWFirstException;
 struct KWKeyFrameCurve;
 
 /// How values run from key to key. Any other code gives 0.
@@ -63,6 +64,11 @@ struct HJKeyMoveRange {
 ///
 /// Edits register their inverse with the owner's undo manager, except during a manipulation.
 ///
+/// An edit is made and registered, or it is neither. What observers throw - of this channel, of its
+/// notices, of its owner or of the undo manager - keeps no edit from being made, nor those that
+/// follow it in the same call: the first such exception is rethrown when the whole call is done.
+/// Observers may edit the channel, and the lists that a call was given.
+///
 /// A key's shape travels as a block of 36 bytes, an HJHermiteParam in the machine's byte order. A
 /// block of another length can be stored and is answered as it was given, but an evaluation that
 /// starts at its key raises KWException "KWHermiteParam size mismatch".
@@ -84,6 +90,8 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     static std::shared_ptr<KWKeyFramedChannel> initWithChannel(const KWChannel& channel) {
         return KWChannel::initWithChannel<KWKeyFramedChannel>(channel);
     }
+    /// A subclass copies as itself, made by its class object; null for one without a class object
+    /// of its own, which has to override this.
     std::shared_ptr<KWChannel> copy() const override;
     bool takeContentsOf(const KWChannel& other) override;
 
@@ -177,7 +185,8 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
 
     // --- Manipulation: edits between start and stop register no undo; stop registers one step from
     // the keys and values at the start to those at the stop, or none when they are equal. Changed
-    // shapes alone do not count. Starting again while manipulating takes the copies again.
+    // shapes alone do not count. Starting again while manipulating takes the copies again. Stopping
+    // without a start is one step too: it goes back to the copies last taken, and again to the end.
 
     void startManipulation() override;
     void stopManipulation() override;
@@ -194,16 +203,23 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     std::size_t position(float key) const;
     std::uint32_t indexOf(float key) const;
     KWUndoManager* recordingUndoManager() const;
+    // The bytes of a record, the lists of frames and the like must not be anybody's to change who
+    // is told of the edit. What those throw is kept in `raised`.
     void setValueRecordForKeyframe(float value, Record record, float key);
+    void setValueRecordForKeyframe(float value, Record record, float key, KWFirstException& raised);
     void setFramesForKeyframes(const KWKeyFrames& frames);
+    void setFramesForKeyframes(const KWKeyFrames& frames, KWFirstException& raised);
     void replaceRecordForKeyframe(Record record, float key);
-    void registerInverseOfSetting(float key);
-    void registerSetting(KWUndoManager& undoManager, std::size_t index);
+    void removeKeyframe(float key, KWFirstException& raised);
+    void removeEveryKeyframe(KWFirstException& raised);
+    void checkSettable(float key) const;
+    void registerInverseOfSetting(float key, KWFirstException& raised);
+    void registerSetting(KWUndoManager& undoManager, std::size_t index, KWFirstException& raised);
+    void replay(const KWKeyFrames& start, const KWKeyFrames& end, KWFirstException& raised);
     void insertKey(std::size_t index, float value, Record record, float key);
     void replaceKey(std::size_t index, std::optional<float> value, Record record);
     void removeKey(std::size_t index);
     void clearKeys();
-    void putBack(const KWKeyFrames& frames);
 
     // Upkeep of what evaluation relies on.
     bool isOrderly() const;
@@ -220,6 +236,8 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     // Archiving.
     void encodeWithKeys(KWCoder& coder) const;
     void initWithKeys(KWCoder& coder);
+    void encodeInOrder(KWCoder& coder) const;
+    void initInOrder(KWCoder& coder);
 
     KWKeyFrames _frames;
     /// Of the stretch from each key to the next; the last entry is not used. Empty when irregular.

@@ -1,6 +1,7 @@
 #include <KWBase/KWKeyFramedChannel.h>
 #include <KWFoundation/KWCoder.h>
 #include <KWFoundation/KWException.h>
+#include <KWFoundation/KWLog.h>
 
 #include <bit>
 #include <cstring>
@@ -55,14 +56,20 @@ void KWKeyFramedChannel::encodeWithCoder(KWCoder& coder) const {
     if (_frames.keys.size() != _frames.records.size() ||
         _frames.keys.size() != _frames.values.size())
         throw KWException("Key-value mismatch");
-    encodeWithKeys(coder);
+    if (coder.allowsKeyedCoding())
+        encodeWithKeys(coder);
+    else
+        encodeInOrder(coder);
 }
 
 bool KWKeyFramedChannel::initWithCoder(KWCoder& coder) {
     if (!KWChannel::initWithCoder(coder))
         return false;
     _saved = {};
-    initWithKeys(coder);
+    if (coder.allowsKeyedCoding())
+        initWithKeys(coder);
+    else
+        initInOrder(coder);
     refresh();
     return true;
 }
@@ -86,6 +93,50 @@ void KWKeyFramedChannel::initWithKeys(KWCoder& coder) {
     frames.records.assign(shapesFromEncodedRecords(records));
     const std::int32_t mode = coder.decodeInt32ForKey("mode");
     const std::int32_t repeat = coder.decodeInt32ForKey("repeat");
+    _frames = std::move(frames);
+    _mode = mode;
+    _repeat = repeat;
+}
+
+// Version 1 brought the modes and the records, which are stored as they lie in memory.
+
+void KWKeyFramedChannel::encodeInOrder(KWCoder& coder) const {
+    coder.encodeRealObjects(_frames.keys, KWValueClass<KWTime>::realClass());
+    coder.encodeFloats(_frames.values);
+    if (coder.versionForClassName(classObject().name()) < 1)
+        return;
+    coder.encodeValueOfObjCTypeAt("i", &_mode);
+    coder.encodeValueOfObjCTypeAt("i", &_repeat);
+    KWData records(_frames.records.size() * recordSize);
+    for (std::size_t k = 0; k < _frames.records.size(); ++k) {
+        const std::span<std::byte, recordSize> place(records.data() + k * recordSize, recordSize);
+        if (_frames.records.isOdd(k))
+            std::memcpy(place.data(), &_frames.records.shape(k), sizeof(Shape));
+        else
+            _frames.records.getBytes(k, place);
+    }
+    coder.encodeRecords(records, recordSize);
+}
+
+void KWKeyFramedChannel::initInOrder(KWCoder& coder) {
+    KWKeyFrames frames;
+    coder.decodeRealObjects(frames.keys, KWValueClass<KWTime>::realClass());
+    coder.decodeFloats(frames.values);
+    std::int32_t mode = KWKeyFrameModeHermite;
+    std::int32_t repeat = KWRepeatModeNone;
+    KWData records;
+    if (coder.versionForClassName(classObject().name()) >= 1) {
+        coder.decodeValueOfObjCTypeAt("i", &mode);
+        coder.decodeValueOfObjCTypeAt("i", &repeat);
+        coder.decodeRecords(records, recordSize);
+        if (records.size() != frames.keys.size() * recordSize) {
+            KWLog("Inconsistent Values/Keys pairs in channel");
+            records.clear();
+        }
+    }
+    records.resize(frames.keys.size() * recordSize);
+    for (std::size_t k = 0; k < frames.keys.size(); ++k)
+        frames.records.insert(k, std::span(records).subspan(k * recordSize, recordSize));
     _frames = std::move(frames);
     _mode = mode;
     _repeat = repeat;

@@ -1,5 +1,6 @@
 #include <KWBase/KWKeyFrameCurve.h>
 #include <KWFoundation/KWException.h>
+#include <KWFoundation/KWFirstException.h>
 #include <KWFoundation/KWUndoManager.h>
 
 #include <algorithm>
@@ -41,6 +42,25 @@ class UndoGroup {
     std::shared_ptr<KWObject> _keptAlive;
 };
 
+/// A record that stays as it is, whatever becomes of the one that the caller passed in.
+class RecordCopy {
+  public:
+    explicit RecordCopy(KWKeyFrameRecords::Bytes record) : _size(record.size()) {
+        if (_size == _bytes.size())
+            std::memcpy(_bytes.data(), record.data(), _size);
+        else
+            _odd.assign(record.begin(), record.end());
+    }
+    KWKeyFrameRecords::Bytes bytes() const {
+        return _size == _bytes.size() ? KWKeyFrameRecords::Bytes(_bytes) : _odd;
+    }
+
+  private:
+    std::size_t _size;
+    std::array<std::byte, KWKeyFrameRecords::recordSize> _bytes;
+    KWData _odd;
+};
+
 bool areEqual(const std::vector<float>& a, const std::vector<float>& b) {
     // A NaN that nobody touched is no change.
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](float x, float y) {
@@ -70,43 +90,62 @@ void KWKeyFramedChannel::setValueHermiteValueForKeyframe(float value,
                                                          const std::optional<KWData>& hermite,
                                                          std::optional<KWTime> key) {
     if (hermite && key)
-        setValueRecordForKeyframe(value, *hermite, key->time());
+        setValueRecordForKeyframe(value, RecordCopy(*hermite).bytes(), key->time());
 }
 
 void KWKeyFramedChannel::setValuesHermiteValuesForKeyframes(
     const std::vector<float>& values, const std::vector<KWData>& hermiteValues,
     const std::vector<KWTime>& keys) {
-    const auto alive = weak_from_this().lock();
-    for (std::size_t i = 0; i < keys.size(); ++i)
-        setValueRecordForKeyframe(values.at(i), hermiteValues.at(i), keys[i].time());
-    invalidate();
+    KWKeyFrames frames;
+    frames.keys.reserve(keys.size());
+    for (const KWTime key : keys)
+        frames.keys.push_back(key.time());
+    frames.values = values;
+    const std::size_t count = std::min(keys.size(), hermiteValues.size());
+    for (std::size_t i = 0; i < count; ++i)
+        frames.records.insert(i, hermiteValues[i]);
+    setFramesForKeyframes(frames);
 }
 
 void KWKeyFramedChannel::setFramesForKeyframes(const KWKeyFrames& frames) {
     const auto alive = weak_from_this().lock();
+    KWFirstException raised;
+    setFramesForKeyframes(frames, raised);
+    raised.rethrow();
+}
+
+void KWKeyFramedChannel::setFramesForKeyframes(const KWKeyFrames& frames,
+                                               KWFirstException& raised) {
     for (std::size_t i = 0; i < frames.keys.size(); ++i) {
         const float value = frames.values.at(i);
         if (i >= frames.records.size())
             throw std::out_of_range("a key has no shape");
         if (frames.records.isOdd(i)) {
-            setValueRecordForKeyframe(value, frames.records.data(i), frames.keys[i]);
+            setValueRecordForKeyframe(value, frames.records.data(i), frames.keys[i], raised);
         } else {
             std::array<std::byte, KWKeyFrameRecords::recordSize> record;
             frames.records.getBytes(i, record);
-            setValueRecordForKeyframe(value, record, frames.keys[i]);
+            setValueRecordForKeyframe(value, record, frames.keys[i], raised);
         }
     }
-    invalidate();
+    raised.during([this] { invalidate(); });
+}
+
+void KWKeyFramedChannel::setValueRecordForKeyframe(float value, Record record, float key) {
+    const auto alive = weak_from_this().lock();
+    KWFirstException raised;
+    setValueRecordForKeyframe(value, record, key, raised);
+    raised.rethrow();
 }
 
 // The notice and the registration of the inverse run code of others, who may edit this channel or
-// let go of it. So it is kept alive here, and the key is looked up anew after each.
-void KWKeyFramedChannel::setValueRecordForKeyframe(float value, Record record, float key) {
+// let go of it. So callers keep it alive, and the key is looked up anew after each.
+void KWKeyFramedChannel::setValueRecordForKeyframe(float value, Record record, float key,
+                                                   KWFirstException& raised) {
     if (std::isnan(key))
         return;
-    const auto alive = weak_from_this().lock();
-    KWChannel::setValueForTime(value, KWTime(key));
-    registerInverseOfSetting(key);
+    raised.during([&] { KWChannel::setValueForTime(value, KWTime(key)); });
+    registerInverseOfSetting(key, raised);
     const std::size_t after = position(key);
     if (_regular) [[likely]] {
         if (after != 0 && _frames.keys[after - 1] == key)
@@ -125,23 +164,36 @@ KWUndoManager* KWKeyFramedChannel::recordingUndoManager() const {
     return isManipulating() || weak_from_this().expired() ? nullptr : undoManager();
 }
 
-void KWKeyFramedChannel::registerInverseOfSetting(float key) {
+// What setting a key would miss in an irregular channel.
+void KWKeyFramedChannel::checkSettable(float key) const {
+    if (_regular) [[likely]]
+        return;
+    const std::uint32_t index = indexOf(key);
+    const std::size_t needed = index == KWNotFound ? position(key) : std::size_t{index} + 1;
+    if (index == KWNotFound && needed == _frames.keys.size())
+        return;
+    if (_frames.values.size() < needed || _frames.records.size() < needed)
+        throw std::out_of_range("a key has no value or no shape");
+}
+
+void KWKeyFramedChannel::registerInverseOfSetting(float key, KWFirstException& raised) {
     KWUndoManager* undoManager = recordingUndoManager();
     if (!undoManager)
         return;
+    checkSettable(key);
     const std::uint32_t index = indexOf(key);
     if (index == KWNotFound)
-        undoManager->registerUndo(weak_from_this(), [this, key] { removeValueForKeyframe(key); });
+        undoManager->registerUndo(
+            weak_from_this(), [this, key] { removeValueForKeyframe(key); }, raised);
     else
-        registerSetting(*undoManager, index);
+        registerSetting(*undoManager, index, raised);
 }
 
 // Most records are neutral: then the action is so small that std::function allocates nothing.
-void KWKeyFramedChannel::registerSetting(KWUndoManager& undoManager, std::size_t index) {
+void KWKeyFramedChannel::registerSetting(KWUndoManager& undoManager, std::size_t index,
+                                         KWFirstException& raised) {
     const float key = _frames.keys[index];
-    const float value = _frames.values.at(index);
-    if (index >= _frames.records.size())
-        throw std::out_of_range("a key has no shape");
+    const float value = _frames.values[index];
     KWUndoManager::Action action;
     if (_frames.records.isNeutral(index)) {
         action = [this, key, value] { setValueForKeyframe(value, KWTime(key)); };
@@ -154,18 +206,19 @@ void KWKeyFramedChannel::registerSetting(KWUndoManager& undoManager, std::size_t
         _frames.records.getBytes(index, record);
         action = [this, key, value, record] { setValueRecordForKeyframe(value, record, key); };
     }
-    undoManager.registerUndo(weak_from_this(), std::move(action));
+    undoManager.registerUndo(weak_from_this(), std::move(action), raised);
 }
 
 void KWKeyFramedChannel::modifyHermiteValueForKeyframe(const KWData& hermite, KWTime key) {
     if (hermite.size() != sizeof(HJHermiteParam))
         throw KWException("KWHermiteParam size mismatch");
-    replaceRecordForKeyframe(hermite, key.time());
+    replaceRecordForKeyframe(RecordCopy(hermite).bytes(), key.time());
 }
 
 void KWKeyFramedChannel::modifyHermiteParamForKeyframe(const HJHermiteParam* param, KWTime key) {
     if (param)
-        replaceRecordForKeyframe(std::as_bytes(std::span(param, 1)), key.time());
+        replaceRecordForKeyframe(RecordCopy(std::as_bytes(std::span(param, 1))).bytes(),
+                                 key.time());
 }
 
 // Also takes records of odd length, to put back one that was replaced.
@@ -176,50 +229,70 @@ void KWKeyFramedChannel::replaceRecordForKeyframe(Record record, float key) {
         return;
     if (index >= _frames.records.size())
         throw std::out_of_range("a key has no shape");
+    KWFirstException raised;
     if (KWUndoManager* undoManager = recordingUndoManager()) {
-        undoManager->registerUndo(weak_from_this(), [this, key, old = _frames.records.data(index)] {
-            replaceRecordForKeyframe(old, key);
-        });
+        undoManager->registerUndo(
+            weak_from_this(),
+            [this, key, old = _frames.records.data(index)] { replaceRecordForKeyframe(old, key); },
+            raised);
         index = indexOf(key);
         if (index >= _frames.records.size())
-            return;
+            return raised.rethrow();
     }
     replaceKey(index, std::nullopt, record);
-    invalidate();
-    didChange();
+    raised.during([this] { invalidate(); });
+    raised.during([this] { didChange(); });
+    raised.rethrow();
 }
 
 // --- Removing keys
 
 void KWKeyFramedChannel::removeValueForKeyframe(KWTime key) {
     const auto alive = weak_from_this().lock();
-    std::uint32_t index = indexOf(key.time());
+    KWFirstException raised;
+    removeKeyframe(key.time(), raised);
+    raised.rethrow();
+}
+
+void KWKeyFramedChannel::removeValuesForKeyframes(const std::vector<KWTime>& keys) {
+    const auto alive = weak_from_this().lock();
+    // The list may be a selection that observers prune as the keys go.
+    const std::vector<KWTime> removed = keys;
+    KWFirstException raised;
+    for (const KWTime key : removed)
+        removeKeyframe(key.time(), raised);
+    raised.rethrow();
+}
+
+void KWKeyFramedChannel::removeKeyframe(float key, KWFirstException& raised) {
+    std::uint32_t index = indexOf(key);
     if (index == KWNotFound)
         return;
     if (index >= _frames.values.size() || index >= _frames.records.size())
         throw std::out_of_range("a key has no value or no shape");
     if (KWUndoManager* undoManager = recordingUndoManager()) {
-        registerSetting(*undoManager, index);
-        index = indexOf(key.time());
+        registerSetting(*undoManager, index, raised);
+        index = indexOf(key);
         if (index >= _frames.values.size() || index >= _frames.records.size())
             return;
     }
     removeKey(index);
-    invalidate();
-}
-
-void KWKeyFramedChannel::removeValuesForKeyframes(const std::vector<KWTime>& keys) {
-    const auto alive = weak_from_this().lock();
-    for (const KWTime key : keys)
-        removeValueForKeyframe(key);
+    raised.during([this] { invalidate(); });
 }
 
 void KWKeyFramedChannel::removeAllKeyframes() {
     const auto alive = weak_from_this().lock();
+    KWFirstException raised;
+    removeEveryKeyframe(raised);
+    raised.rethrow();
+}
+
+void KWKeyFramedChannel::removeEveryKeyframe(KWFirstException& raised) {
     if (KWUndoManager* undoManager = recordingUndoManager()) {
         auto old = std::make_shared<const KWKeyFrames>(_frames);
-        undoManager->registerUndo(weak_from_this(),
-                                  [this, old = std::move(old)] { setFramesForKeyframes(*old); });
+        undoManager->registerUndo(
+            weak_from_this(), [this, old = std::move(old)] { setFramesForKeyframes(*old); },
+            raised);
     }
     clearKeys();
 }
@@ -280,11 +353,6 @@ void KWKeyFramedChannel::clearKeys() {
     _regular = true;
 }
 
-void KWKeyFramedChannel::putBack(const KWKeyFrames& frames) {
-    _frames = frames;
-    refresh();
-}
-
 // --- Manipulation
 
 void KWKeyFramedChannel::startManipulation() {
@@ -299,21 +367,30 @@ void KWKeyFramedChannel::stopManipulation() {
         return;
     }
     const KWKeyFrames start = _saved;
-    const KWKeyFrames end = _frames;
+    KWKeyFrames end = _frames;
+    KWFirstException raised;
     try {
         checkComplete(start);
         checkComplete(end);
-        removeAllKeyframes();
-        setFramesForKeyframes(start);
-        KWChannel::stopManipulation();
-        UndoGroup group(recordingUndoManager());
-        removeAllKeyframes();
-        setFramesForKeyframes(end);
-        group.close();
+        replay(start, end, raised);
     } catch (...) {
-        // An observer that throws must not cost the keys.
+        // Out of memory, say: at least the keys are not lost.
         KWChannel::stopManipulation();
-        putBack(end);
+        _frames = std::move(end);
+        refresh();
         throw;
     }
+    raised.rethrow();
+}
+
+// Without a start the way back registers as well, and belongs to the same step.
+void KWKeyFramedChannel::replay(const KWKeyFrames& start, const KWKeyFrames& end,
+                                KWFirstException& raised) {
+    UndoGroup group(weak_from_this().expired() ? nullptr : undoManager());
+    removeEveryKeyframe(raised);
+    setFramesForKeyframes(start, raised);
+    KWChannel::stopManipulation();
+    removeEveryKeyframe(raised);
+    setFramesForKeyframes(end, raised);
+    raised.during([&group] { group.close(); });
 }

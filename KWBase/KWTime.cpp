@@ -116,16 +116,31 @@ const KWClass& KWValueClass<KWTime>::classObject() {
 }
 
 void KWValueClass<KWTime>::encode(const KWTime& time, KWCoder& coder) {
-    if (coder.allowsKeyedCoding())
+    if (coder.allowsKeyedCoding()) {
         coder.encodeDoubleForKey(static_cast<double>(time.time()), realClass().key);
+    } else {
+        const float seconds = time.time();
+        coder.encodeValueOfObjCTypeAt("f", &seconds);
+    }
 }
 
 bool KWValueClass<KWTime>::decode(KWTime& time, KWCoder& coder) {
-    if (coder.allowsKeyedCoding())
+    if (coder.allowsKeyedCoding()) {
         time.setTime(static_cast<float>(coder.decodeDoubleForKey(realClass().key)));
+    } else {
+        float seconds = 0;
+        coder.decodeValueOfObjCTypeAt("f", &seconds);
+        time.setTime(seconds);
+    }
     return true;
 }
 
 KWRealClass KWValueClass<KWTime>::realClass() {
-    return {classObject(), "time"};
+    return {classObject(), "time",
+            [](float time) -> std::shared_ptr<KWObject> {
+                return std::make_shared<KWBoxedValue<KWTime>>(KWTime(time));
+            },
+            [](const KWObject& object) {
+                return dynamic_cast<const KWBoxedValue<KWTime>&>(object).value.time();
+            }};
 }

@@ -60,6 +60,9 @@ class KWCallList {
     }
     bool isClosed() const { return _isClosed; }
 
+    /// Whether there is nothing to walk over, be it dead or alive.
+    bool hasNoEntries() const { return _entries.empty(); }
+
     bool isEmpty() const {
         return std::all_of(_entries.begin(), _entries.end(),
                            [](const auto& entry) { return entry->isDead(); });

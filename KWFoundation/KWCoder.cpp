@@ -9,19 +9,30 @@ namespace {
     throw std::logic_error("this coder does not take such a call");
 }
 
-/// One element of a list of real objects, for coders that box each.
-class RealObject final : public KWObject {
-  public:
-    RealObject(const KWRealClass& aClass, float value) : _class(aClass), _value(value) {}
-    const KWClass& isa() const override { return _class.aClass; }
-    void encodeWithCoder(KWCoder& coder) const override {
-        coder.encodeDoubleForKey(static_cast<double>(_value), _class.key);
-    }
+// Lists as the general way has them: an object, or a value, for each element.
 
-  private:
-    const KWRealClass& _class;
-    float _value;
-};
+KWArchiveValue boxed(std::span<const float> list) {
+    std::vector<KWArchiveValue> elements;
+    elements.reserve(list.size());
+    for (const float value : list)
+        elements.emplace_back(KWNumber(value));
+    return KWArchiveValue::mutableArray(std::move(elements));
+}
+
+KWArchiveValue boxed(std::span<const float> list, const KWRealClass& aClass) {
+    std::vector<KWArchiveValue> elements;
+    elements.reserve(list.size());
+    for (const float value : list)
+        elements.emplace_back(aClass.box(value));
+    return KWArchiveValue::mutableArray(std::move(elements));
+}
+
+KWArchiveValue boxed(std::span<const std::byte> list, std::size_t recordSize) {
+    std::vector<KWArchiveValue> elements;
+    for (; !list.empty(); list = list.subspan(recordSize))
+        elements.emplace_back(KWData(list.begin(), list.begin() + std::ptrdiff_t(recordSize)));
+    return KWArchiveValue::mutableArray(std::move(elements));
+}
 
 } // namespace
 
@@ -79,28 +90,15 @@ KWData KWCoder::decodeBytesForKey(std::string_view) {
 }
 
 void KWCoder::encodeFloatsForKey(std::span<const float> list, std::string_view key) {
-    std::vector<KWArchiveValue> elements;
-    elements.reserve(list.size());
-    for (const float value : list)
-        elements.emplace_back(KWNumber(value));
-    encodeObjectForKey(KWArchiveValue::mutableArray(std::move(elements)), key);
+    encodeObjectForKey(boxed(list), key);
 }
-
 void KWCoder::encodeRealObjectsForKey(std::span<const float> list, const KWRealClass& aClass,
                                       std::string_view key) {
-    std::vector<KWArchiveValue> elements;
-    elements.reserve(list.size());
-    for (const float value : list)
-        elements.emplace_back(std::make_shared<RealObject>(aClass, value));
-    encodeObjectForKey(KWArchiveValue::mutableArray(std::move(elements)), key);
+    encodeObjectForKey(boxed(list, aClass), key);
 }
-
 void KWCoder::encodeRecordsForKey(std::span<const std::byte> list, std::size_t recordSize,
                                   std::string_view key) {
-    std::vector<KWArchiveValue> elements;
-    for (; !list.empty(); list = list.subspan(recordSize))
-        elements.emplace_back(KWData(list.begin(), list.begin() + std::ptrdiff_t(recordSize)));
-    encodeObjectForKey(KWArchiveValue::mutableArray(std::move(elements)), key);
+    encodeObjectForKey(boxed(list, recordSize), key);
 }
 
 bool KWCoder::decodeFloatsForKey(std::vector<float>&, std::string_view) {
@@ -113,8 +111,67 @@ bool KWCoder::decodeRecordsForKey(std::vector<std::byte>&, std::size_t, std::str
     refuse();
 }
 
-std::optional<std::string> KWCoder::decodeStringForKey(std::string_view key) {
-    const KWArchiveValue value = decodeObjectForKey(key);
+std::int64_t KWCoder::versionForClassName(std::string_view) const {
+    return 0;
+}
+
+void KWCoder::encodeObject(const KWArchiveValue&) {
+    refuse();
+}
+void KWCoder::encodeConditionalObject(const std::shared_ptr<KWObject>&) {
+    refuse();
+}
+void KWCoder::encodeValuesOfObjCTypesAt(const char*, std::initializer_list<const void*>) {
+    refuse();
+}
+void KWCoder::encodeArrayOfObjCTypeCountAt(const char*, std::uint32_t, const void*) {
+    refuse();
+}
+void KWCoder::encodeBytes(std::span<const std::byte>) {
+    refuse();
+}
+void KWCoder::encodeDataObject(std::span<const std::byte>) {
+    refuse();
+}
+
+KWArchiveValue KWCoder::decodeObject() {
+    refuse();
+}
+void KWCoder::decodeValuesOfObjCTypesAt(const char*, std::initializer_list<void*>) {
+    refuse();
+}
+void KWCoder::decodeArrayOfObjCTypeCountAt(const char*, std::uint32_t, void*) {
+    refuse();
+}
+KWData KWCoder::decodeBytes() {
+    refuse();
+}
+KWData KWCoder::decodeDataObject() {
+    refuse();
+}
+
+void KWCoder::encodeFloats(std::span<const float> list) {
+    encodeObject(boxed(list));
+}
+void KWCoder::encodeRealObjects(std::span<const float> list, const KWRealClass& aClass) {
+    encodeObject(boxed(list, aClass));
+}
+void KWCoder::encodeRecords(std::span<const std::byte> list, std::size_t recordSize) {
+    encodeObject(boxed(list, recordSize));
+}
+
+bool KWCoder::decodeFloats(std::vector<float>&) {
+    refuse();
+}
+bool KWCoder::decodeRealObjects(std::vector<float>&, const KWRealClass&) {
+    refuse();
+}
+bool KWCoder::decodeRecords(std::vector<std::byte>&, std::size_t) {
+    refuse();
+}
+
+std::optional<std::string> KWCoder::stringOf(const KWArchiveValue& value,
+                                             std::string_view key) const {
     if (value.isNil())
         return std::nullopt;
     if (!value.string())

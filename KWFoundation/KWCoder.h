@@ -7,6 +7,7 @@
 #include <KWFoundation/KWTypes.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <span>
 #include <string>
@@ -20,6 +21,9 @@ struct KWRealClass {
     const KWClass& aClass;
     /// The key of the number, a double, in a keyed archive.
     std::string_view key;
+    /// An instance with that number, and the number of an instance.
+    std::shared_ptr<KWObject> (*box)(float number);
+    float (*unbox)(const KWObject& object);
 };
 
 /// Writes an object's contents to an archive, or reads them back. A class asks allowsKeyedCoding()
@@ -37,6 +41,11 @@ class KW_EXPORT KWCoder {
     KWCoder& operator=(const KWCoder&) = delete;
 
     virtual bool allowsKeyedCoding() const = 0;
+
+    /// The version that a class has in this archive: the one it was written with when reading, the
+    /// one it shall be written as when writing. KWNotFound for a class that the archive does not
+    /// have. Keyed archives hold no versions and answer 0.
+    virtual std::int64_t versionForClassName(std::string_view className) const;
 
     // --- Writing with keys. A key used twice in one object keeps its last value.
 
@@ -83,31 +92,79 @@ class KW_EXPORT KWCoder {
     virtual bool decodeRecordsForKey(std::vector<std::byte>& list, std::size_t recordSize,
                                      std::string_view key);
 
+    // --- Without keys: values in one fixed order. Each call writes the types of what it writes,
+    // and what one call wrote one call reads. Types are the codes of the platform's run time: c C s
+    // S i I l L q Q B for integers (l has four bytes), f d for reals, * for a C string, @ for an
+    // object, [12f] for an array, {name=ff} for a struct. An address of a number, array or struct
+    // is that of a C object of that type; of @ that of a KWArchiveValue, of * that of a
+    // std::optional<std::string>.
+
+    virtual void encodeObject(const KWArchiveValue& value);
+    /// Writes `object` if something in the archive holds it unconditionally, else nil.
+    virtual void encodeConditionalObject(const std::shared_ptr<KWObject>& object);
+    /// Several types in one string, with an address each. std::invalid_argument for types that are
+    /// none of the above.
+    virtual void encodeValuesOfObjCTypesAt(const char* types,
+                                           std::initializer_list<const void*> addresses);
+    void encodeValueOfObjCTypeAt(const char* type, const void* address) {
+        encodeValuesOfObjCTypesAt(type, {address});
+    }
+    virtual void encodeArrayOfObjCTypeCountAt(const char* type, std::uint32_t count,
+                                              const void* address);
+    virtual void encodeBytes(std::span<const std::byte> bytes);
+    virtual void encodeDataObject(std::span<const std::byte> bytes);
+
+    virtual KWArchiveValue decodeObject();
+    /// A single number may be read in another width than it was written in.
+    virtual void decodeValuesOfObjCTypesAt(const char* types,
+                                           std::initializer_list<void*> addresses);
+    void decodeValueOfObjCTypeAt(const char* type, void* address) {
+        decodeValuesOfObjCTypesAt(type, {address});
+    }
+    virtual void decodeArrayOfObjCTypeCountAt(const char* type, std::uint32_t count, void* address);
+    virtual KWData decodeBytes();
+    virtual KWData decodeDataObject();
+
+    // The lists of above. Records are words of four bytes in the order of the machine that writes;
+    // those of a machine of the other order are turned when they are read.
+    virtual void encodeFloats(std::span<const float> list);
+    virtual bool decodeFloats(std::vector<float>& list);
+    virtual void encodeRealObjects(std::span<const float> list, const KWRealClass& aClass);
+    virtual bool decodeRealObjects(std::vector<float>& list, const KWRealClass& aClass);
+    virtual void encodeRecords(std::span<const std::byte> list, std::size_t recordSize);
+    virtual bool decodeRecords(std::vector<std::byte>& list, std::size_t recordSize);
+
     // --- Typed reading, in terms of the above.
 
+    // Where there are no keys, `what` names the value in messages.
+
     /// The string under the key; empty for nil.
-    std::optional<std::string> decodeStringForKey(std::string_view key);
+    std::optional<std::string> decodeStringForKey(std::string_view key) {
+        return stringOf(decodeObjectForKey(key), key);
+    }
+    std::optional<std::string> decodeString(std::string_view what) {
+        return stringOf(decodeObject(), what);
+    }
 
     /// The object under the key, which must be a T; null for nil.
     template <class T>
     std::shared_ptr<T> decodeObjectOfClassForKey(std::string_view key) {
         return objectOfClass<T>(decodeObjectForKey(key), key);
     }
+    template <class T>
+    std::shared_ptr<T> decodeObjectOfClass(std::string_view what) {
+        return objectOfClass<T>(decodeObject(), what);
+    }
 
     /// The list under the key, whose elements must be Ts and not nil; empty for nil.
     template <class T>
     std::optional<std::vector<std::shared_ptr<T>>>
     decodeObjectsOfClassForKey(std::string_view key) {
-        const KWArchiveValue value = decodeObjectForKey(key);
-        if (value.isNil())
-            return std::nullopt;
-        std::vector<std::shared_ptr<T>> list;
-        for (const KWArchiveValue& element : arrayElements(value, key)) {
-            list.push_back(objectOfClass<T>(element, key));
-            if (!list.back())
-                failDecoding("a list element is nil", key);
-        }
-        return list;
+        return objectsOfClass<T>(decodeObjectForKey(key), key);
+    }
+    template <class T>
+    std::optional<std::vector<std::shared_ptr<T>>> decodeObjectsOfClass(std::string_view what) {
+        return objectsOfClass<T>(decodeObject(), what);
     }
 
     /// Raises the KWArchiveError that names the archive and the place being read.
@@ -123,6 +180,20 @@ class KW_EXPORT KWCoder {
             failKind(T::classObject().name(), value, key);
         return object;
     }
+    template <class T>
+    std::optional<std::vector<std::shared_ptr<T>>> objectsOfClass(const KWArchiveValue& value,
+                                                                  std::string_view key) const {
+        if (value.isNil())
+            return std::nullopt;
+        std::vector<std::shared_ptr<T>> list;
+        for (const KWArchiveValue& element : arrayElements(value, key)) {
+            list.push_back(objectOfClass<T>(element, key));
+            if (!list.back())
+                failDecoding("a list element is nil", key);
+        }
+        return list;
+    }
+    std::optional<std::string> stringOf(const KWArchiveValue& value, std::string_view key) const;
     [[noreturn]] void failKind(std::string_view wanted, const KWArchiveValue& found,
                                std::string_view key) const;
     const std::vector<KWArchiveValue>& arrayElements(const KWArchiveValue& value,

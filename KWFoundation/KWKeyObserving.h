@@ -32,7 +32,7 @@ class KW_EXPORT KWKeyObserver {
                                                              const KWKeyValueChange& change,
                                                              const void* context) = 0;
 
-    /// Gone as soon as the observer is; for registries that hold observers.
+    /// Gone as soon as the observer is or has resigned; for registries that hold observers.
     std::weak_ptr<const void> lifetime() const { return _lifetime; }
 
   protected:
@@ -40,6 +40,11 @@ class KW_EXPORT KWKeyObserver {
     KWKeyObserver(const KWKeyObserver&);
     KWKeyObserver& operator=(const KWKeyObserver&) { return *this; }
     ~KWKeyObserver();
+
+    /// Ends every registration of this observer at once, and for good. A final class whose members
+    /// hold or change what it observes calls this first in its destructor, so that nothing is told
+    /// to an observer that is half gone.
+    void resign() { _lifetime.reset(); }
 
   private:
     std::shared_ptr<const void> _lifetime;

@@ -175,6 +175,10 @@ struct KWKeyedArchiver::Impl {
     }
 
     void writeUnknown(Slot slot, const KWUnknownObject& object) {
+        if (object.isSequential())
+            throw KWArchiveError(KWArchiveError::Kind::unsupported, {}, std::nullopt, {},
+                                 "an object of the unknown class \"" + object.className() +
+                                     "\" has no keys, which a keyed archive needs");
         Frame frame;
         for (const KWArchiveField& field : object.fields()) {
             frame.keys.push_back(list.addString(field.key));

@@ -14,6 +14,9 @@ struct KWUnarchivingOptions {
     /// Keep objects of unregistered classes as KWUnknownObject, or as the stand-in of their nearest
     /// registered superclass that has one. Without it an unknown class is an error.
     bool keepsUnknownObjects = false;
+    /// Take every object as one of a class that nobody knows, also those of the platform's own
+    /// classes: the archive as it stands. Sequential archives only.
+    bool knowsNoClasses = false;
 };
 
 /// Reads what a keyed archiver wrote, binary or XML, here or on the platform.

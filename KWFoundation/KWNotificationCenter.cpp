@@ -176,8 +176,10 @@ KWNotificationToken KWNotificationCenter::addObserver(std::string_view name, con
 
 void KWNotificationCenter::postNotificationNameObject(std::string_view name, KWObject* object) {
     auto [anybody, own] = _state->listsFor(name, object);
-    if (!anybody)
+    if (!anybody || (anybody->hasNoEntries() && (!own || own->hasNoEntries())))
         return;
+    // An observer may drop the last reference to what the next one is handed.
+    const std::shared_ptr<KWObject> alive = object ? object->weak_from_this().lock() : nullptr;
     const KWNotification notification(name, object);
     const auto exception = KWCallEntries<KWNotificationToken::Connection>(
         std::move(anybody), std::move(own),

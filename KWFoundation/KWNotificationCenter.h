@@ -15,7 +15,7 @@ class KWNotification {
     KWNotification(std::string_view name, KWObject* object) : _name(name), _object(object) {}
 
     std::string_view name() const { return _name; }
-    /// Who posted it; may be null.
+    /// Who posted it; may be null. One in a std::shared_ptr lives at least as long as the post.
     KWObject* object() const { return _object; }
 
   private:
@@ -68,6 +68,10 @@ class KW_EXPORT KWNotificationCenter {
     /// or destroyed meanwhile is not called, one connected meanwhile not yet, and a post made by an
     /// observer runs at once. An observer that throws does not keep the others from being called;
     /// the first exception is rethrown at the end.
+    ///
+    /// An object in a std::shared_ptr is kept alive for the length of the post: when an observer
+    /// drops the last reference to it, its observations end with the post. Any other object must
+    /// outlive the post.
     void postNotificationNameObject(std::string_view name, KWObject* object);
 
   private:

@@ -12,53 +12,80 @@
 KWUndoManager::KWUndoManager() = default;
 KWUndoManager::~KWUndoManager() = default;
 
-bool KWUndoManager::Step::isAlive() const {
-    return std::any_of(entries.begin(), entries.end(),
+void KWUndoManager::Entries::push_back(Entry entry) {
+    if (empty())
+        _first = std::move(entry);
+    else
+        _others.push_back(std::move(entry));
+}
+
+KWUndoManager::Entry KWUndoManager::Entries::takeBack() {
+    if (_others.empty())
+        return std::exchange(_first, Entry());
+    Entry last = std::move(_others.back());
+    _others.pop_back();
+    return last;
+}
+
+bool KWUndoManager::Entries::isAlive() const {
+    return !_first.target.expired() ||
+           std::any_of(_others.begin(), _others.end(),
                        [](const Entry& entry) { return !entry.target.expired(); });
 }
 
+void KWUndoManager::Entries::takeThoseOf(const KWObject& target, std::vector<Entry>& taken) {
+    // The dead are taken along: the target may be in its destructor, where it is one of them.
+    const auto stays = [&target](const Entry& entry) {
+        const auto locked = entry.target.lock();
+        return locked && locked.get() != &target;
+    };
+    const auto leaving = std::stable_partition(_others.begin(), _others.end(), stays);
+    taken.insert(taken.end(), std::make_move_iterator(leaving),
+                 std::make_move_iterator(_others.end()));
+    _others.erase(leaving, _others.end());
+    if (empty() || stays(_first))
+        return;
+    taken.push_back(std::exchange(_first, Entry()));
+    if (_others.empty())
+        return;
+    _first = std::move(_others.front());
+    _others.erase(_others.begin());
+}
+
 void KWUndoManager::registerUndo(std::weak_ptr<KWObject> target, Action action) {
+    KWFirstException raised;
+    registerUndo(std::move(target), std::move(action), raised);
+    raised.rethrow();
+}
+
+void KWUndoManager::registerUndo(std::weak_ptr<KWObject> target, Action action,
+                                 KWFirstException& raised) {
     if (target.expired() || !action)
         return;
     Entry entry{std::move(target), std::move(action)};
-    if (_state != State::idle) {
+    if (_state != State::idle || _level > 0) {
         _open.entries.push_back(std::move(entry));
-        return;
+        if (_state != State::idle || _redo.empty())
+            return;
+    } else {
+        Step step;
+        step.entries.push_back(std::move(entry));
+        _undo.push_back(std::move(step));
     }
     Stack forgotten;
     forgotten.swap(_redo);
-    if (_level > 0) {
-        _open.entries.push_back(std::move(entry));
-        if (forgotten.empty())
-            return;
-    } else {
-        _undo.emplace_back().entries.push_back(std::move(entry));
-    }
     forgotten.clear();
-    didChange();
-}
-
-void KWUndoManager::takeEntries(std::vector<Entry>& entries, const KWObject& target,
-                                std::vector<Entry>& taken) {
-    // The dead are taken along: the target may be in its destructor, where it is one of them.
-    const auto first =
-        std::stable_partition(entries.begin(), entries.end(), [&target](const Entry& entry) {
-            const auto locked = entry.target.lock();
-            return locked && locked.get() != &target;
-        });
-    taken.insert(taken.end(), std::make_move_iterator(first),
-                 std::make_move_iterator(entries.end()));
-    entries.erase(first, entries.end());
+    raised.during([this] { didChange(); });
 }
 
 void KWUndoManager::removeAllActionsWithTarget(const KWObject& target) {
     std::vector<Entry> taken;
-    takeEntries(_open.entries, target, taken);
-    takeEntries(_running.entries, target, taken);
+    _open.entries.takeThoseOf(target, taken);
+    _running.entries.takeThoseOf(target, taken);
     const std::size_t unseen = taken.size();
     for (Stack* stack : {&_undo, &_redo}) {
         for (Step& step : *stack)
-            takeEntries(step.entries, target, taken);
+            step.entries.takeThoseOf(target, taken);
         std::erase_if(*stack, [](const Step& step) { return step.entries.empty(); });
     }
     const bool changes = taken.size() > unseen;
@@ -71,18 +98,16 @@ void KWUndoManager::removeAllActionsWithTarget(const KWObject& target) {
 void KWUndoManager::removeAllActions() {
     Stack undo;
     Stack redo;
-    std::vector<Entry> running;
-    std::vector<Entry> open;
     undo.swap(_undo);
     redo.swap(_redo);
-    running.swap(_running.entries);
-    open.swap(_open.entries);
+    Entries running = std::exchange(_running.entries, Entries());
+    Entries open = std::exchange(_open.entries, Entries());
     const bool changes = !undo.empty() || !redo.empty();
     const auto self = weak_from_this().lock();
     undo.clear();
     redo.clear();
-    running.clear();
-    open.clear();
+    running = Entries();
+    open = Entries();
     if (changes)
         didChange();
 }
@@ -98,7 +123,7 @@ void KWUndoManager::endUndoGrouping() {
     if (--_level > 0 || _state != State::idle)
         return;
     Step step = std::exchange(_open, Step());
-    if (!step.isAlive())
+    if (!step.entries.isAlive())
         return;
     _undo.push_back(std::move(step));
     didChange();
@@ -109,8 +134,8 @@ bool KWUndoManager::canRun(const Stack& stack) const {
 }
 
 const KWUndoManager::Step* KWUndoManager::latestAlive(const Stack& stack) {
-    const auto found =
-        std::find_if(stack.rbegin(), stack.rend(), [](const Step& step) { return step.isAlive(); });
+    const auto found = std::find_if(stack.rbegin(), stack.rend(),
+                                    [](const Step& step) { return step.entries.isAlive(); });
     return found == stack.rend() ? nullptr : &*found;
 }
 
@@ -135,7 +160,7 @@ void KWUndoManager::run(Stack& from, Stack& to, State state) {
         return;
     const auto self = weak_from_this().lock();
     Stack dead;
-    while (!from.back().isAlive()) {
+    while (!from.back().entries.isAlive()) {
         dead.push_back(std::move(from.back()));
         from.pop_back();
     }
@@ -167,8 +192,7 @@ void KWUndoManager::run(Stack& from, Stack& to, State state) {
 void KWUndoManager::runEntries() {
     // One entry at a time is taken out, for an action may remove those that are still to come.
     while (!_running.entries.empty()) {
-        const Entry entry = std::move(_running.entries.back());
-        _running.entries.pop_back();
+        const Entry entry = _running.entries.takeBack();
         if (const auto target = entry.target.lock())
             entry.action();
     }
@@ -189,8 +213,9 @@ void KWUndoManager::setActionName(std::string name) {
         return;
     }
     // Steps that do not count are not named.
-    const auto step = std::find_if(_undo.rbegin(), _undo.rend(),
-                                   [](const Step& candidate) { return candidate.isAlive(); });
+    const auto step = std::find_if(_undo.rbegin(), _undo.rend(), [](const Step& candidate) {
+        return candidate.entries.isAlive();
+    });
     if (step == _undo.rend() || step->name == name)
         return;
     step->name = std::move(name);
@@ -206,8 +231,7 @@ std::string KWUndoManager::redoActionName() const {
 }
 
 void KWUndoManager::didChange() {
-    const auto self = weak_from_this().lock();
-    if (self)
+    if (!weak_from_this().expired())
         KWNotificationCenter::defaultCenter().postNotificationNameObject(
             KWUndoManagerDidChangeNotification, this);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <KWFoundation/KWExport.h>
+#include <KWFoundation/KWFirstException.h>
 #include <KWFoundation/KWObject.h>
 
 #include <functional>
@@ -29,7 +30,15 @@ class KW_EXPORT KWUndoManager : public KWObject {
     /// Registers the inverse of an edit of `target`, which is kept alive while the action runs and
     /// not otherwise: once it is gone the action is skipped and does not count. Outside an undo or
     /// redo this empties the redo stack. Nothing happens when the target is gone already.
+    ///
+    /// The action is registered before the observers of this manager are told, and stays so when
+    /// one of them throws. After any other exception nothing has changed.
     void registerUndo(std::weak_ptr<KWObject> target, Action action);
+
+    /// The same for an edit that registers its inverse before it is made. What an observer of this
+    /// manager throws is kept in `raised`, so that the edit is not left out: it is made, and then
+    /// rethrows.
+    void registerUndo(std::weak_ptr<KWObject> target, Action action, KWFirstException& raised);
 
     /// Forgets every action registered for `target`, in both stacks and in open groups.
     void removeAllActionsWithTarget(const KWObject& target);
@@ -68,16 +77,26 @@ class KW_EXPORT KWUndoManager : public KWObject {
         std::weak_ptr<KWObject> target;
         Action action;
     };
-    struct Step {
-        std::vector<Entry> entries;
-        std::string name;
+    /// A list whose first entry, mostly the only one, needs no memory of its own.
+    class Entries {
+      public:
+        bool empty() const { return !_first.action; }
+        void push_back(Entry entry);
+        Entry takeBack();
         bool isAlive() const;
+        void takeThoseOf(const KWObject& target, std::vector<Entry>& taken);
+
+      private:
+        Entry _first; ///< without an action in an empty list
+        std::vector<Entry> _others;
+    };
+    struct Step {
+        Entries entries;
+        std::string name;
     };
     using Stack = std::vector<Step>;
     enum class State { idle, undoing, redoing };
 
-    static void takeEntries(std::vector<Entry>& entries, const KWObject& target,
-                            std::vector<Entry>& taken);
     static const Step* latestAlive(const Stack& stack);
     bool canRun(const Stack& stack) const;
     void run(Stack& from, Stack& to, State state);

@@ -4,6 +4,7 @@
 #include <KWFoundation/KWExport.h>
 #include <KWFoundation/KWObject.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,12 +44,23 @@ class KW_EXPORT KWUnknownObject final : public KWObject {
     /// The field under a key, or null.
     const KWArchiveField* field(std::string_view key) const;
 
+    /// Of a sequential archive the versions, as many as there are names; of a keyed one none.
+    const std::vector<std::int32_t>& classVersions() const { return _classVersions; }
+    /// Whether it comes from a sequential archive: each field is then what one call wrote, its
+    /// types in the key, its values in the items. Such contents go into no keyed archive, nor the
+    /// reverse.
+    bool isSequential() const { return !_classVersions.empty(); }
+
+    void setClassVersions(std::vector<std::int32_t> versions) {
+        _classVersions = std::move(versions);
+    }
     void setClassChain(std::vector<std::string> names) { _classChain = std::move(names); }
     void setClassHints(std::vector<std::string> names) { _classHints = std::move(names); }
     void setFields(std::vector<KWArchiveField> fields) { _fields = std::move(fields); }
 
   private:
     std::vector<std::string> _classChain{std::string()};
+    std::vector<std::int32_t> _classVersions;
     std::vector<std::string> _classHints;
     std::vector<KWArchiveField> _fields;
 };

@@ -77,13 +77,27 @@ struct KWValueClass<Moment> {
         return theClass;
     }
     static void encode(const Moment& moment, KWCoder& coder) {
-        coder.encodeDoubleForKey(static_cast<double>(moment.seconds), "seconds");
+        if (coder.allowsKeyedCoding())
+            coder.encodeDoubleForKey(static_cast<double>(moment.seconds), "seconds");
+        else
+            coder.encodeValueOfObjCTypeAt("f", &moment.seconds);
     }
     static bool decode(Moment& moment, KWCoder& coder) {
-        moment.seconds = static_cast<float>(coder.decodeDoubleForKey("seconds"));
+        if (coder.allowsKeyedCoding())
+            moment.seconds = static_cast<float>(coder.decodeDoubleForKey("seconds"));
+        else
+            coder.decodeValueOfObjCTypeAt("f", &moment.seconds);
         return true;
     }
-    static KWRealClass realClass() { return {classObject(), "seconds"}; }
+    static KWRealClass realClass() {
+        return {classObject(), "seconds",
+                [](float seconds) -> std::shared_ptr<KWObject> {
+                    return std::make_shared<KWBoxedValue<Moment>>(Moment{seconds});
+                },
+                [](const KWObject& object) {
+                    return dynamic_cast<const KWBoxedValue<Moment>&>(object).value.seconds;
+                }};
+    }
 };
 
 /// Has a class known for as long as it lives.

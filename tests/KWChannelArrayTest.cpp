@@ -361,6 +361,36 @@ TEST(KWChannelArray, ACopyOfAChannelWithoutCopyIsRefused) {
     EXPECT_THROW(sample.array->copy(), std::invalid_argument);
 }
 
+TEST(KWChannelArray, NullElementsKeepTheirPlaceAndArePassedOver) {
+    Sample x;
+    x.array->ungroupedChannels()->insert(x.array->ungroupedChannels()->begin(), nullptr);
+    x.left()->channels()->push_back(nullptr);
+    x.array->channelGroups()->insert(x.array->channelGroups()->begin(), nullptr);
+    EXPECT_EQ(x.array->channelCount(), 6U);
+    EXPECT_EQ(x.array->channels()->size(), 6U);
+    EXPECT_EQ(namesIn(x.array->channelEnumerator()), "a b c d ");
+    EXPECT_EQ(x.array->indexOfGroupNamed("left"), 1U);
+    EXPECT_EQ(x.array->groupWithName(""), nullptr);
+    EXPECT_TRUE(x.array->dependsOnTime());
+    CountingOwner owner;
+    x.array->setChannelsOwner(&owner);
+    EXPECT_EQ(x.d->owner(), &owner);
+    x.array->addChannelToGroup(constant("e"), 0);
+    EXPECT_EQ(x.array->channelCount(), 6U);
+    EXPECT_EQ(x.array->channelAtIndexInGroup(0, KWUngroupedChannels), nullptr);
+    EXPECT_THROW(x.array->getChannelValueAtIndexInGroupForTime(0, KWUngroupedChannels, KWTime(0)),
+                 std::out_of_range);
+    EXPECT_THROW(x.array->getChannelNameAtIndexInGroup(2, 1), std::out_of_range);
+    EXPECT_THROW(x.array->setChannelValueAtIndexInGroupForTime(1, 2, 1, KWTime(0)),
+                 std::out_of_range);
+    EXPECT_THROW(x.array->channelAtIndexInGroup(0, 0), std::out_of_range);
+    const auto copy = x.array->copy();
+    EXPECT_EQ(copy->channelCount(), 6U);
+    EXPECT_EQ(copy->channelEnumerator().size(), 4U);
+    EXPECT_EQ(copy->channelAtIndexInGroup(0, KWUngroupedChannels), nullptr);
+    EXPECT_EQ(copy->channelGroupAtIndex(0), nullptr);
+}
+
 TEST(KWChannelArray, OnTheStackOwnsChannelsUntilItEnds) {
     const auto channel = constant("a");
     {

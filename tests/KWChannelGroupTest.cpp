@@ -261,6 +261,24 @@ TEST(KWChannelGroup, ACopyOfAChannelWithoutCopyIsRefused) {
     EXPECT_THROW(group->copy(), std::invalid_argument);
 }
 
+TEST(KWChannelGroup, NullElementsKeepTheirPlaceAndArePassedOver) {
+    Abc x;
+    KWChannelList& list = *x.group->channels();
+    list.insert(list.begin() + 1, nullptr);
+    EXPECT_EQ(x.group->count(), 4U);
+    const auto copy = x.group->copy();
+    ASSERT_EQ(copy->count(), 4U);
+    EXPECT_EQ((*copy->channels())[1], nullptr);
+    EXPECT_EQ((*copy->channels())[2]->channelGroup(), copy);
+    EXPECT_FALSE(x.group->replaceChannelWith(nullptr, constant("d")));
+    x.group->removeChannel(nullptr);
+    EXPECT_EQ(x.group->count(), 4U);
+    x.group->removeChannel(x.a);
+    EXPECT_EQ(list.front(), nullptr);
+    x.group->removeAllChannels();
+    EXPECT_EQ(x.group->count(), 0U);
+}
+
 TEST(KWChannelGroup, OwnsChannelsAsAnyOwnerUntilItIsGone) {
     const auto channel = constant("a");
     auto group = std::make_shared<KWChannelGroup>();

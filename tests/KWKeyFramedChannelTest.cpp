@@ -145,3 +145,19 @@ TEST(KWKeyFramedChannel, ASubclassWithAClassOfItsOwnCopiesAsItself) {
     EXPECT_EQ(copy->valueForKeyframe(KWTime(1)), 3);
     EXPECT_EQ(KWKeyFramedChannel::initWithChannel(*wave), nullptr);
 }
+
+TEST(KWKeyFramedChannel, ASubclassWithoutAClassOfItsOwnHasNoCopyUnlessItMakesOne) {
+    class Wave : public KWKeyFramedChannel {};
+    class OtherWave final : public KWKeyFramedChannel {
+      public:
+        std::shared_ptr<KWChannel> copy() const override {
+            return KWChannel::initWithChannel<OtherWave>(*this);
+        }
+    };
+    EXPECT_EQ(std::make_shared<Wave>()->copy(), nullptr);
+    const auto wave = std::make_shared<OtherWave>();
+    wave->setValueForKeyframe(3, KWTime(1));
+    const auto copy = std::dynamic_pointer_cast<OtherWave>(wave->copy());
+    ASSERT_TRUE(copy);
+    EXPECT_EQ(copy->valueForKeyframe(KWTime(1)), 3);
+}

@@ -328,9 +328,39 @@ TEST_F(KWNotificationCenterTest, AnObserverMayDestroyTheObjectThatPosts) {
         order += 'a';
         object.reset();
     });
-    const auto b = note('b');
+    const std::weak_ptr<KWObject> watched = object;
+    const auto look = [&](const KWNotification& notice) {
+        ASSERT_FALSE(watched.expired());
+        EXPECT_EQ(&notice.object()->isa(), &KWObject::classObject());
+        order += 'l';
+    };
+    const auto b = center->addObserver("changed", nullptr, look);
+    const auto c = center->addObserver("changed", object.get(), look);
     post(object.get());
-    EXPECT_EQ(order, "ab");
+    EXPECT_EQ(order, "all");
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(KWNotificationCenterTest, AnObjectIsHeldDuringItsPostUnlessItIsBeingDestroyed) {
+    const auto object = std::make_shared<KWObject>();
+    long count = 0;
+    struct Poster : KWObject {
+        ~Poster() override { center->postNotificationNameObject("changed", this); }
+        KWNotificationCenter* center = nullptr;
+    };
+    const auto b = center->addObserver("changed", nullptr, [&](const KWNotification& notice) {
+        count = notice.object()->weak_from_this().use_count();
+        order += 'b';
+    });
+    {
+        const auto poster = std::make_shared<Poster>();
+        poster->center = center.get();
+    }
+    EXPECT_EQ(order, "b") << "an object may post in its destructor";
+    EXPECT_EQ(count, 0);
+    post(object.get());
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(object.use_count(), 1);
 }
 
 TEST_F(KWNotificationCenterTest, ATokenMayOutliveTheCentre) {

@@ -181,6 +181,36 @@ TEST(KWObjectObserving, ADestroyedObserverIsToldNoMore) {
     EXPECT_FALSE(dial.isObserved());
 }
 
+TEST(KWObjectObserving, OneThatResignedIsToldNoMore) {
+    class Leaver final : public KWKeyObserver {
+      public:
+        void observeValueForKeyPathOfObjectChangeContext(std::string_view, KWObject*,
+                                                         const KWKeyValueChange&,
+                                                         const void*) override {
+            ++told;
+        }
+        using KWKeyObserver::resign;
+        int told = 0;
+    };
+    Dial dial;
+    Leaver leaver;
+    Watcher watcher;
+    dial.addObserverForKeyPathOptionsContext(leaver, "level", 0, nullptr);
+    watcher.reaction = [&] { leaver.resign(); };
+    dial.setLevel(1);
+    EXPECT_EQ(leaver.told, 1);
+    watch(dial, watcher);
+    dial.addObserverForKeyPathOptionsContext(leaver, "level", 0, nullptr);
+    dial.setLevel(2);
+    EXPECT_EQ(leaver.told, 2) << "once before it resigned, in the same notice";
+    EXPECT_TRUE(leaver.lifetime().expired());
+    dial.addObserverForKeyPathOptionsContext(leaver, "level", 0, nullptr);
+    dial.setLevel(3);
+    EXPECT_EQ(leaver.told, 2);
+    const Leaver copy(leaver);
+    EXPECT_FALSE(copy.lifetime().expired());
+}
+
 TEST(KWObjectObserving, IsFreeAgainWhenTheLastObserverIsDestroyed) {
     Dial dial;
     {

@@ -1,16 +1,22 @@
 #include <KWBase/KWTime.h>
 #include <KWFoundation/KWClass.h>
+#include <KWFoundation/KWKeyedArchiver.h>
+#include <KWFoundation/KWKeyedUnarchiver.h>
+#include <KWFoundation/KWPropertyList.h>
 
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cmath>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <unordered_set>
+#include <vector>
 
 static_assert(std::is_trivially_copyable_v<KWTime>);
 static_assert(std::is_nothrow_move_constructible_v<KWTime>);
@@ -238,4 +244,40 @@ TEST(KWTime, ItsClassIsKnownToArchives) {
     EXPECT_EQ(boxed->value, KWTime(0));
     EXPECT_EQ(&KWValueClass<KWTime>::realClass().aClass, &aClass);
     EXPECT_EQ(KWValueClass<KWTime>::realClass().key, "time");
+}
+
+TEST(KWTime, ArchivedWithAKeyedCoderAndReadBackKeepsItsFloatValueExactly) {
+    constexpr float most = std::numeric_limits<float>::max();
+    constexpr float infinite = std::numeric_limits<float>::infinity();
+    std::vector<float> times = {0.0f, -0.0f, 1.0f / 3, 1e-45f,    -1e-45f,
+                                most, -most, infinite, -infinite, 16777217.0f};
+    std::mt19937 random(3);
+    while (times.size() < 1000)
+        if (const auto time = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
+            !std::isnan(time))
+            times.push_back(time);
+    for (const float time : times) {
+        for (const auto format : {KWPropertyList::Format::binary, KWPropertyList::Format::xml}) {
+            const KWData bytes = KWKeyedArchiver::archivedDataWithRootObject(
+                std::make_shared<KWBoxedValue<KWTime>>(KWTime(time)), format);
+            const auto read = std::dynamic_pointer_cast<KWBoxedValue<KWTime>>(
+                KWKeyedUnarchiver::unarchiveObjectWithData(bytes));
+            ASSERT_NE(read, nullptr);
+            ASSERT_EQ(std::bit_cast<std::uint32_t>(read->value.time()),
+                      std::bit_cast<std::uint32_t>(time))
+                << time;
+        }
+    }
+}
+
+TEST(KWTime, IsArchivedAsARealOfEightBytes) {
+    const KWData bytes = KWKeyedArchiver::archivedDataWithRootObject(
+        std::make_shared<KWBoxedValue<KWTime>>(KWTime(0.1f)));
+    const KWPropertyList list = KWPropertyList::parse(bytes);
+    const auto objects = list.children(list.valueForKey(list.root(), "$objects"));
+    const auto time = list.valueForKey(objects[1], "time");
+    EXPECT_EQ(list.kind(time), KWPropertyList::Kind::real);
+    EXPECT_FALSE(list.isSingle(time));
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(list.realValue(time)),
+              std::bit_cast<std::uint64_t>(static_cast<double>(0.1f)));
 }

@@ -77,15 +77,23 @@ bool KWElement::replaceChannelWith(const std::shared_ptr<KWChannel>& oldChannel,
 
 void KWElement::encodeWithCoder(KWCoder& coder) const {
     KWChannelElement::encodeWithCoder(coder);
-    coder.encodeObjectForKey(_name, "name");
-    coder.encodeObjectForKey(_channelArray, "channelArray");
+    if (coder.allowsKeyedCoding()) {
+        coder.encodeObjectForKey(_name, "name");
+        coder.encodeObjectForKey(_channelArray, "channelArray");
+    } else {
+        coder.encodeObject(_name);
+        coder.encodeObject(_channelArray);
+    }
 }
 
 bool KWElement::initWithCoder(KWCoder& coder) {
     if (!KWChannelElement::initWithCoder(coder))
         return false;
-    _name = coder.decodeStringForKey("name").value_or(std::string());
-    _channelArray = coder.decodeObjectOfClassForKey<KWChannelArray>("channelArray");
+    const bool hasKeys = coder.allowsKeyedCoding();
+    _name = (hasKeys ? coder.decodeStringForKey("name") : coder.decodeString("name"))
+                .value_or(std::string());
+    _channelArray = hasKeys ? coder.decodeObjectOfClassForKey<KWChannelArray>("channelArray")
+                            : coder.decodeObjectOfClass<KWChannelArray>("channelArray");
     if (_channelArray)
         _channelArray->setChannelsOwner(this);
     return true;

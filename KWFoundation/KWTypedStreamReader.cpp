@@ -1,0 +1,950 @@
+#include <KWFoundation/KWTypeEncoding.h>
+#include <KWFoundation/KWTypedStream.h>
+#include <KWFoundation/KWTypedStreamReader.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+using namespace KWTypedStream;
+
+struct KWTypedStreamReader::Level {
+    Level(KWTypedStreamReader& owner, std::uint32_t aClass) : reader(owner) {
+        if (reader._steps.size() >= KWArchiveMaximumDepth)
+            reader.fail(KWArchiveError::Kind::unsupported,
+                        "objects are nested more than " + std::to_string(KWArchiveMaximumDepth) +
+                            " deep");
+        reader._steps.push_back({aClass, none});
+    }
+    ~Level() { reader._steps.pop_back(); }
+    Level(const Level&) = delete;
+    Level& operator=(const Level&) = delete;
+    KWTypedStreamReader& reader;
+};
+
+KWTypedStreamReader::KWTypedStreamReader(KWCoder& coder, std::span<const std::byte> bytes,
+                                         KWUnarchivingOptions options, std::string file)
+    : _coder(coder), _bytes(bytes), _options(options), _file(std::move(file)),
+      _budget((std::uint64_t{1} << 26) + 64 * bytes.size()) {
+    readHeader();
+}
+
+std::int64_t KWTypedStreamReader::versionForClassName(std::string_view name) const {
+    const auto known = _versions.find(std::string(name));
+    return known == _versions.end() ? std::int64_t{KWNotFound} : known->second;
+}
+
+// --- Errors.
+
+std::string KWTypedStreamReader::path() const {
+    constexpr std::size_t shownAtEachEnd = 8;
+    std::string text;
+    for (std::size_t k = 0; k < _steps.size(); ++k) {
+        if (_steps.size() > 2 * shownAtEachEnd && k == shownAtEachEnd) {
+            text += " ... ";
+            k = _steps.size() - shownAtEachEnd;
+        }
+        text += (text.empty() ? "" : ".") + _classes[_steps[k].aClass].name;
+        if (_steps[k].index != none)
+            text += "[" + std::to_string(_steps[k].index) + "]";
+    }
+    return text;
+}
+
+void KWTypedStreamReader::fail(KWArchiveError::Kind kind, std::string reason) const {
+    throw KWArchiveError(kind, _file, _place, path(), std::move(reason));
+}
+
+void KWTypedStreamReader::damaged(std::string reason) const {
+    fail(KWArchiveError::Kind::damaged, std::move(reason));
+}
+
+void KWTypedStreamReader::spend(std::uint64_t bytes) {
+    if (bytes > _budget)
+        fail(KWArchiveError::Kind::unsupported,
+             "the archive refers to the same long values too often");
+    _budget -= bytes;
+}
+
+// --- Bytes, numbers, strings.
+
+void KWTypedStreamReader::require(std::size_t count) const {
+    if (count > remaining())
+        damaged("the archive ends in the middle of a value");
+}
+
+std::int8_t KWTypedStreamReader::peekHead() const {
+    require(1);
+    return static_cast<std::int8_t>(_bytes[_place]);
+}
+
+template <class T>
+T KWTypedStreamReader::take() {
+    require(sizeof(T));
+    std::array<std::byte, sizeof(T)> bytes;
+    std::memcpy(bytes.data(), _bytes.data() + _place, sizeof(T));
+    _place += sizeof(T);
+    if (_isBigEndian)
+        std::ranges::reverse(bytes);
+    return std::bit_cast<T>(bytes);
+}
+
+void KWTypedStreamReader::readHeader() {
+    const auto isHere = [&](std::string_view text) {
+        return remaining() >= text.size() &&
+               std::memcmp(_bytes.data() + _place, text.data(), text.size()) == 0;
+    };
+    if (_bytes.empty())
+        damaged("the file is empty");
+    if (isHere("\x03\x0b"))
+        fail(KWArchiveError::Kind::unsupported, "a sequential archive of an older kind");
+    if (isHere("\x04\x0btypedstream"))
+        _isBigEndian = true;
+    else if (!isHere("\x04\x0bstreamtyped"))
+        damaged("not a sequential archive: it does not start as one");
+    _place = 13;
+    readInteger(); // the version of the system that wrote it
+}
+
+std::int64_t KWTypedStreamReader::readInteger() {
+    return integerAfter(take<std::int8_t>());
+}
+
+std::int64_t KWTypedStreamReader::integerAfter(std::int8_t head) {
+    if (head >= firstNumber)
+        return head;
+    switch (head) {
+    case shortHead:
+        return take<std::int16_t>();
+    case longHead:
+        return take<std::int32_t>();
+    case wideHead:
+        return take<std::int64_t>();
+    default:
+        --_place;
+        damaged("a number was expected");
+    }
+}
+
+/// A float keeps its very bits in `exact`.
+double KWTypedStreamReader::readReal(bool isSingle, float* exact) {
+    const auto head = take<std::int8_t>();
+    if (head != realHead) {
+        const auto whole = static_cast<double>(integerAfter(head));
+        if (exact)
+            *exact = static_cast<float>(whole);
+        return whole;
+    }
+    if (!isSingle)
+        return take<double>();
+    const auto bits = std::bit_cast<float>(take<std::uint32_t>());
+    if (exact)
+        *exact = bits;
+    return static_cast<double>(bits);
+}
+
+std::string_view KWTypedStreamReader::readPlainString() {
+    const std::int64_t count = readInteger();
+    if (count < 0 || static_cast<std::uint64_t>(count) > remaining())
+        damaged("a string claims " + std::to_string(count) + " bytes, more than there are");
+    const auto* first = reinterpret_cast<const char*>(_bytes.data() + _place);
+    _place += static_cast<std::size_t>(count);
+    return {first, static_cast<std::size_t>(count)};
+}
+
+/// Null for a nil string. The answer holds until the next string is read.
+const std::string_view* KWTypedStreamReader::readSharedString() {
+    const auto head = take<std::int8_t>();
+    if (head == nilHead)
+        return nullptr;
+    if (head == newHead) {
+        _strings.push_back(readPlainString());
+        return &_strings.back();
+    }
+    const std::int64_t number = integerAfter(head) - firstNumber;
+    if (number < 0 || static_cast<std::uint64_t>(number) >= _strings.size())
+        damaged("a reference to string " + std::to_string(number) + " of " +
+                std::to_string(_strings.size()));
+    return &_strings[static_cast<std::size_t>(number)];
+}
+
+std::string_view KWTypedStreamReader::readType() {
+    const std::string_view* type = readSharedString();
+    if (!type)
+        damaged("types were expected");
+    return *type;
+}
+
+void KWTypedStreamReader::expectType(std::string_view wanted) {
+    const std::size_t start = _place;
+    const std::string_view found = readType();
+    if (found == wanted)
+        return;
+    _place = start;
+    damaged("expected a value of type \"" + std::string(wanted) + "\", found \"" +
+            std::string(found) + "\"");
+}
+
+/// The label that a number names, which must have been made.
+std::uint32_t KWTypedStreamReader::labelAfter(std::int8_t head) {
+    const std::int64_t number = integerAfter(head) - firstNumber;
+    if (number < 0 || static_cast<std::uint64_t>(number) >= _labels.size())
+        damaged("a reference to label " + std::to_string(number) + " of " +
+                std::to_string(_labels.size()));
+    return static_cast<std::uint32_t>(number);
+}
+
+const std::string_view* KWTypedStreamReader::readCString() {
+    const auto head = take<std::int8_t>();
+    if (head == nilHead)
+        return nullptr;
+    if (head == newHead) {
+        const std::size_t label = _labels.size();
+        _labels.push_back({Label::Kind::cString, 0, none, 0});
+        const std::string_view* text = readSharedString();
+        if (!text)
+            damaged("a new string is nil");
+        _labels[label].index = static_cast<std::uint32_t>(text - _strings.data());
+        return text;
+    }
+    const Label& label = _labels[labelAfter(head)];
+    if (label.kind != Label::Kind::cString || label.index == none)
+        damaged("a reference to something that is no string");
+    return &_strings[label.index];
+}
+
+// --- Values by type.
+
+KWNumber KWTypedStreamReader::readNumber(char code) {
+    using Type = KWNumber::Type;
+    switch (code) {
+    case 'c':
+        return {Type::int8, take<std::int8_t>()};
+    case 'C':
+        return {Type::uint8, take<std::uint8_t>()};
+    case 'B':
+        return KWNumber(take<std::uint8_t>() != 0);
+    case 's':
+        return {Type::int16, static_cast<std::int16_t>(readInteger())};
+    case 'S':
+        return {Type::uint16, static_cast<std::uint16_t>(readInteger())};
+    case 'i':
+    case 'l':
+        return {Type::int32, static_cast<std::int32_t>(readInteger())};
+    case 'I':
+    case 'L':
+        return {Type::uint32, static_cast<std::uint32_t>(readInteger())};
+    case 'q':
+        return {Type::int64, readInteger()};
+    case 'Q':
+        return {Type::uint64, readInteger()};
+    case 'f': {
+        float exact = 0;
+        readReal(true, &exact);
+        return KWNumber(exact);
+    }
+    default:
+        return KWNumber(readReal(false, nullptr));
+    }
+}
+
+/// Reads a number that was written as one type into memory of another that agrees with it.
+void KWTypedStreamReader::readNumber(char code, void* address) {
+    const auto put = [&](auto value) { std::memcpy(address, &value, sizeof value); };
+    const KWNumber number = readNumber(code);
+    switch (code) {
+    case 'f':
+        return put(number.floatValue());
+    case 'd':
+        return put(number.doubleValue());
+    default: {
+        const std::int64_t value = number.int64Value(); // its low bytes come first in memory
+        std::memcpy(address, &value, KWNumberSize(code));
+    }
+    }
+}
+
+void KWTypedStreamReader::readOne(std::string_view type, void* address) {
+    auto* bytes = static_cast<std::byte*>(address);
+    const char code = type[0];
+    if (code == '[') {
+        std::size_t count = 0;
+        std::string_view element;
+        KWArrayType(type, count, element);
+        if (element == "c" || element == "C") {
+            require(count);
+            std::memcpy(address, _bytes.data() + _place, count);
+            _place += count;
+            return;
+        }
+        const std::size_t size = KWLayoutOfType(element).size;
+        for (std::size_t k = 0; k < count; ++k)
+            readOne(element, bytes + k * size);
+    } else if (code == '{') {
+        std::size_t offset = 0;
+        for (std::string_view rest = KWStructFields(type); !rest.empty();) {
+            const std::string_view field = KWFirstType(rest);
+            const KWTypeLayout layout = KWLayoutOfType(field);
+            offset = (offset + layout.alignment - 1) / layout.alignment * layout.alignment;
+            readOne(field, bytes + offset);
+            offset += layout.size;
+            rest.remove_prefix(field.size());
+        }
+    } else if (code == '@') {
+        *static_cast<KWArchiveValue*>(address) = readObject(false);
+    } else if (code == '*') {
+        const std::string_view* text = readCString();
+        auto& string = *static_cast<std::optional<std::string>*>(address);
+        string = text ? std::optional<std::string>(*text) : std::nullopt;
+    } else {
+        readNumber(code, address);
+    }
+}
+
+void KWTypedStreamReader::readValues(std::string_view types,
+                                     std::initializer_list<void*> addresses) {
+    const std::size_t start = _place;
+    const std::string_view found = readType();
+    if (!KWTypesAgree(found, types)) {
+        _place = start;
+        damaged("expected a value of type \"" + std::string(types) + "\", found \"" +
+                std::string(found) + "\"");
+    }
+    if (found != types) {
+        // One number, written in another width.
+        const KWNumber number = readNumber(found[0]);
+        if (KWIsRealType(types[0])) {
+            const float narrow = number.floatValue();
+            const double wide = number.doubleValue();
+            std::memcpy(*addresses.begin(),
+                        types[0] == 'f' ? static_cast<const void*>(&narrow) : &wide,
+                        KWNumberSize(types[0]));
+        } else {
+            const std::int64_t value = number.int64Value();
+            std::memcpy(*addresses.begin(), &value, KWNumberSize(types[0]));
+        }
+        return;
+    }
+    std::string_view rest = types;
+    for (void* address : addresses) {
+        const std::string_view type = KWFirstType(rest);
+        if (type.empty())
+            throw std::invalid_argument("more places than \"" + std::string(types) +
+                                        "\" describes");
+        readOne(type, address);
+        rest.remove_prefix(type.size());
+    }
+}
+
+void KWTypedStreamReader::readArrayValue(std::string_view type, std::size_t count, void* address) {
+    const std::string array = "[" + std::to_string(count) + std::string(type) + "]";
+    expectType(array);
+    readOne(array, address);
+}
+
+KWData KWTypedStreamReader::readBytesValue() {
+    expectType("+");
+    const std::string_view text = readPlainString();
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
+}
+
+KWData KWTypedStreamReader::readDataContents() {
+    std::int32_t count = 0;
+    readValues("i", {&count});
+    if (count < 0 || static_cast<std::size_t>(count) > remaining())
+        damaged("data claims " + std::to_string(count) + " bytes, more than there are");
+    if (count == 0 && peekHead() == endHead)
+        return {};
+    expectType("[" + std::to_string(count) + "c]");
+    require(static_cast<std::size_t>(count));
+    const auto bytes = _bytes.subspan(_place, static_cast<std::size_t>(count));
+    _place += bytes.size();
+    return {bytes.begin(), bytes.end()};
+}
+
+KWArchiveValue KWTypedStreamReader::readObjectValue() {
+    expectType("@");
+    KWArchiveValue value = readObject(false);
+    if (const auto* array = value.array())
+        spend(array->elements.size() * sizeof(KWArchiveValue));
+    else if (const auto* string = value.string())
+        spend(string->text.size());
+    return value;
+}
+
+// --- Values of unknown classes.
+
+void KWTypedStreamReader::readFields(std::vector<KWArchiveField>& items, std::string_view types) {
+    while (!types.empty()) {
+        const std::string_view type = KWFirstType(types);
+        if (type.empty())
+            damaged("\"" + std::string(types.substr(0, 40)) +
+                    "\" describes no value that is known");
+        spend(sizeof(KWArchiveField));
+        items.push_back(readField(type));
+        types.remove_prefix(type.size());
+    }
+}
+
+KWArchiveField KWTypedStreamReader::readAnything() {
+    KWArchiveField field;
+    field.form = KWArchiveField::Form::list;
+    field.key = readType();
+    readFields(field.items, field.key);
+    return field;
+}
+
+KWArchiveField KWTypedStreamReader::readField(std::string_view type) {
+    KWArchiveField field;
+    field.form = KWArchiveField::Form::inlined;
+    const auto text = [&](const std::string_view* string) {
+        if (string) {
+            spend(string->size());
+            field.value = KWArchiveValue(*string);
+        }
+    };
+    switch (type[0]) {
+    case '@':
+        field.form = KWArchiveField::Form::reference;
+        field.value = readObject(true);
+        return field;
+    case '*':
+        text(readCString());
+        return field;
+    case ':':
+    case '%':
+        text(readSharedString());
+        return field;
+    case '+': {
+        const std::string_view string = readPlainString();
+        const auto bytes = std::as_bytes(std::span(string));
+        field.value = KWData(bytes.begin(), bytes.end());
+        return field;
+    }
+    case '#': {
+        const std::uint32_t aClass = readClass();
+        if (aClass != none) {
+            auto named = std::make_shared<KWUnknownObject>();
+            fillUnknown(*named, aClass);
+            field.value = named;
+        }
+        return field;
+    }
+    case '{':
+        field.form = KWArchiveField::Form::list;
+        readFields(field.items, KWStructFields(type));
+        return field;
+    case '[':
+        break;
+    default:
+        field.value = readNumber(type[0]);
+        return field;
+    }
+    std::size_t count = 0;
+    std::string_view element;
+    if (!KWArrayType(type, count, element) || count > remaining())
+        damaged("\"" + std::string(type.substr(0, 40)) +
+                "\" claims more values than there are bytes");
+    if (element == "c" || element == "C") {
+        const auto bytes = _bytes.subspan(_place, count);
+        _place += count;
+        field.value = KWData(bytes.begin(), bytes.end());
+    } else if (element.size() == 1 && (KWIsIntegerType(element[0]) || KWIsRealType(element[0]))) {
+        std::vector<KWArchiveValue> numbers;
+        for (std::size_t k = 0; k < count; ++k)
+            numbers.emplace_back(readNumber(element[0]));
+        field.value = KWArchiveValue::immutableArray(std::move(numbers));
+    } else {
+        field.form = KWArchiveField::Form::list;
+        for (std::size_t k = 0; k < count; ++k) {
+            spend(sizeof(KWArchiveField));
+            field.items.push_back(readField(element));
+        }
+    }
+    return field;
+}
+
+// --- Classes and objects.
+
+/// A place in _classes; none for no class.
+std::uint32_t KWTypedStreamReader::readClass() {
+    static constexpr std::array<std::pair<std::string_view, Cluster>, 7> clusters{{
+        {"NSString", Cluster::string},
+        {"NSMutableString", Cluster::mutableString},
+        {"NSData", Cluster::data},
+        {"NSMutableData", Cluster::mutableData},
+        {"NSArray", Cluster::array},
+        {"NSMutableArray", Cluster::mutableArray},
+        {"NSNumber", Cluster::number},
+    }};
+    std::uint32_t first = none;
+    std::uint32_t previous = none;
+    for (;;) {
+        const auto head = take<std::int8_t>();
+        std::uint32_t aClass = none;
+        if (head == newHead) {
+            _labels.push_back(
+                {Label::Kind::aClass, 0, static_cast<std::uint32_t>(_classes.size()), 0});
+            const std::string_view* name = readSharedString();
+            if (!name || name->empty())
+                damaged("a class without a name");
+            Class made{.name = std::string(*name),
+                       .version = static_cast<std::int32_t>(readInteger())};
+            for (const auto& [known, cluster] : clusters)
+                if (known == made.name && !_options.knowsNoClasses)
+                    made.cluster = cluster;
+            if (!_options.knowsNoClasses)
+                made.known = KWClassNamed(made.name);
+            const auto [version, isNew] = _versions.try_emplace(made.name, made.version);
+            if (!isNew && version->second != made.version)
+                damaged("the class \"" + made.name + "\" has two versions, " +
+                        std::to_string(version->second) + " and " + std::to_string(made.version));
+            aClass = static_cast<std::uint32_t>(_classes.size());
+            _classes.push_back(std::move(made));
+        } else if (head != nilHead) {
+            const Label& label = _labels[labelAfter(head)];
+            if (label.kind != Label::Kind::aClass)
+                damaged("a reference to something that is no class");
+            aClass = label.index;
+        }
+        if (previous == none)
+            first = aClass;
+        else
+            _classes[previous].superclass = aClass;
+        if (head != newHead)
+            return first;
+        previous = aClass;
+    }
+}
+
+/// Labels an object that begins; answers its place in _objects.
+std::uint32_t KWTypedStreamReader::newObject() {
+    const auto place = static_cast<std::uint32_t>(_objects.size());
+    _labels.push_back({Label::Kind::object, 0, place, 0});
+    _objects.emplace_back();
+    return place;
+}
+
+/// An object may hold more than its class reads, as a newer version does: the rest is passed over.
+void KWTypedStreamReader::endObject() {
+    while (peekHead() != endHead)
+        readAnything();
+    ++_place;
+}
+
+/// `weakly` keeps a reference to an object that is still being read from keeping it alive.
+KWArchiveValue KWTypedStreamReader::readObject(bool weakly) {
+    const auto head = take<std::int8_t>();
+    if (head == nilHead)
+        return nullptr;
+    if (head != newHead)
+        return valueOfLabel(labelAfter(head), weakly);
+    Object& object = _objects[newObject()];
+    const std::uint32_t aClass = readClass();
+    if (aClass == none)
+        damaged("an object without a class");
+    const Level level(*this, aClass);
+    object.value = readContents(aClass, object);
+    object.isBusy = false;
+    endObject();
+    return object.value;
+}
+
+KWArchiveValue KWTypedStreamReader::valueOfLabel(std::uint32_t index, bool weakly) {
+    Label& label = _labels[index];
+    switch (label.kind) {
+    case Label::Kind::object: {
+        if (label.index == none)
+            damaged("a value that holds itself");
+        const Object& object = _objects[label.index];
+        if (!object.isBusy)
+            return object.value;
+        if (object.value.isNil())
+            damaged("a value that holds itself");
+        return weakly ? KWArchiveValue::backReference(object.value.object()) : object.value;
+    }
+    case Label::Kind::aClass:
+    case Label::Kind::cString:
+        damaged("a reference to something that is no object");
+    case Label::Kind::number:
+        return numberOf(label);
+    default:
+        break;
+    }
+    // An element of a list, or a list, that somebody else refers to: from now on it is an object.
+    KWArchiveValue value;
+    if (label.kind == Label::Kind::real) {
+        value = _realClasses[label.index].box(
+            std::bit_cast<float>(static_cast<std::uint32_t>(label.bits)));
+    } else if (label.kind == Label::Kind::data) {
+        spend(label.index);
+        const auto bytes = _bytes.subspan(label.bits, label.index);
+        value = KWData(bytes.begin(), bytes.end());
+    } else {
+        value = listValue(label);
+    }
+    _objects.push_back({false, value});
+    _labels[index] = {Label::Kind::object, 0, static_cast<std::uint32_t>(_objects.size() - 1), 0};
+    return value;
+}
+
+KWArchiveValue KWTypedStreamReader::listValue(const Label& label) {
+    const std::vector<std::uint32_t> elements = _lists[label.index];
+    spend(elements.size() * sizeof(KWArchiveValue));
+    std::vector<KWArchiveValue> values;
+    values.reserve(elements.size());
+    for (const std::uint32_t element : elements)
+        values.push_back(valueOfLabel(element, true));
+    return label.code != 0 ? KWArchiveValue::mutableArray(std::move(values))
+                           : KWArchiveValue::immutableArray(std::move(values));
+}
+
+KWNumber KWTypedStreamReader::numberOf(const Label& label) {
+    if (label.code == 'f')
+        return KWNumber(std::bit_cast<float>(static_cast<std::uint32_t>(label.bits)));
+    if (label.code == 'd')
+        return KWNumber(std::bit_cast<double>(label.bits));
+    return {static_cast<KWNumber::Type>(label.code), static_cast<std::int64_t>(label.bits)};
+}
+
+KWArchiveValue KWTypedStreamReader::readContents(std::uint32_t aClass, Object& object) {
+    const Cluster cluster = _classes[aClass].cluster;
+    switch (cluster) {
+    case Cluster::string:
+    case Cluster::mutableString:
+        return readString(cluster == Cluster::mutableString);
+    case Cluster::data:
+    case Cluster::mutableData:
+        return std::make_shared<const KWArchiveData>(
+            KWArchiveData{readDataContents(), cluster == Cluster::mutableData});
+    case Cluster::array:
+    case Cluster::mutableArray:
+        return readArray(cluster == Cluster::mutableArray);
+    case Cluster::number:
+        return readNumberContents();
+    case Cluster::object:
+        break;
+    }
+    if (_classes[aClass].known)
+        return readKnown(_classes[aClass], object);
+    if (!_options.keepsUnknownObjects && !_options.knowsNoClasses)
+        fail(KWArchiveError::Kind::unsupported,
+             "the class \"" + _classes[aClass].name + "\" is not known");
+    return readUnknown(aClass, object);
+}
+
+KWArchiveValue KWTypedStreamReader::readString(bool isMutable) {
+    expectType("+");
+    return std::make_shared<const KWArchiveString>(
+        KWArchiveString{std::string(readPlainString()), isMutable});
+}
+
+KWArchiveValue KWTypedStreamReader::readArray(bool isMutable) {
+    std::int32_t count = 0;
+    readValues("i", {&count});
+    if (count < 0 || static_cast<std::size_t>(count) > remaining())
+        damaged("an array claims " + std::to_string(count) +
+                " elements, more than there are bytes");
+    std::vector<KWArchiveValue> elements;
+    for (std::int32_t k = 0; k < count; ++k) {
+        _steps.back().index = static_cast<std::uint32_t>(k);
+        expectType("@");
+        elements.push_back(readObject(true));
+    }
+    _steps.back().index = none;
+    return isMutable ? KWArchiveValue::mutableArray(std::move(elements))
+                     : KWArchiveValue::immutableArray(std::move(elements));
+}
+
+/// A C string that names the type, then that type and a value of it.
+KWNumber KWTypedStreamReader::readNumberContents() {
+    expectType("*");
+    const std::string_view* text = readCString();
+    const char code = text && text->size() == 1 ? text->front() : '\0';
+    if (!KWIsIntegerType(code) && !KWIsRealType(code))
+        damaged("\"" + std::string(text ? text->substr(0, 40) : "") + "\" is no type of a number");
+    expectType({&code, 1});
+    return readNumber(code);
+}
+
+KWArchiveValue KWTypedStreamReader::readKnown(const Class& aClass, Object& object) {
+    if (!aClass.known->factory())
+        damaged("the class \"" + aClass.name + "\" has no instances");
+    const std::shared_ptr<KWObject> made = aClass.known->factory()();
+    object.value = made;
+    return made->initWithCoder(_coder) ? KWArchiveValue(made) : KWArchiveValue();
+}
+
+void KWTypedStreamReader::fillUnknown(KWUnknownObject& object, std::uint32_t aClass) const {
+    std::vector<std::string> names;
+    std::vector<std::int32_t> versions;
+    for (; aClass != none; aClass = _classes[aClass].superclass) {
+        names.push_back(_classes[aClass].name);
+        versions.push_back(_classes[aClass].version);
+    }
+    object.setClassChain(std::move(names));
+    object.setClassVersions(std::move(versions));
+}
+
+KWArchiveValue KWTypedStreamReader::readUnknown(std::uint32_t aClass, Object& object) {
+    const auto contents = std::make_shared<KWUnknownObject>();
+    std::uint64_t chain = 0;
+    for (std::uint32_t each = aClass; each != none; each = _classes[each].superclass)
+        spend(++chain > KWArchiveMaximumDepth ? ~std::uint64_t{0} : sizeof(std::string));
+    fillUnknown(*contents, aClass);
+    std::shared_ptr<KWObject> made = contents;
+    for (std::uint32_t each = aClass; each != none && made == contents;
+         each = _classes[each].superclass)
+        if (const KWClass* known = _classes[each].known; known && known->standIn())
+            made = known->standIn()(contents);
+    object.value = made;
+    std::vector<KWArchiveField> fields;
+    while (peekHead() != endHead)
+        fields.push_back(readAnything());
+    contents->setFields(std::move(fields));
+    return made == contents || made->initWithCoder(_coder) ? KWArchiveValue(made)
+                                                           : KWArchiveValue();
+}
+
+// --- Lists without an object for each element.
+
+/// One element: something new, whose class is known by then, or something met before.
+template <class New, class Known>
+void KWTypedStreamReader::readElement(New readNew, Known readKnown) {
+    expectType("@");
+    const auto head = take<std::int8_t>();
+    if (head == nilHead)
+        damaged("a list element is nil");
+    if (head != newHead)
+        return readKnown(labelAfter(head));
+    const auto label = static_cast<std::uint32_t>(_labels.size());
+    _labels.push_back({Label::Kind::object, 0, none, 0});
+    const std::uint32_t aClass = readClass();
+    if (aClass == none)
+        damaged("an object without a class");
+    readNew(label, aClass);
+    endObject();
+}
+
+/// The list under the next "@": `element` reads each. False for nil.
+template <class Element>
+bool KWTypedStreamReader::readList(Element& element) {
+    expectType("@");
+    const auto head = take<std::int8_t>();
+    if (head == nilHead)
+        return false;
+    if (head != newHead) {
+        const std::uint32_t label = labelAfter(head);
+        if (_labels[label].kind == Label::Kind::list) {
+            const std::vector<std::uint32_t> elements = _lists[_labels[label].index];
+            spend(elements.size() * sizeof(KWArchiveValue));
+            element.begin(elements.size());
+            for (const std::uint32_t each : elements)
+                element.known(each);
+            return true;
+        }
+        const KWArchiveValue value = valueOfLabel(label, true);
+        if (!value.array())
+            damaged("expected an array, found " + value.kindName());
+        spend(value.array()->elements.size() * sizeof(KWArchiveValue));
+        element.begin(value.array()->elements.size());
+        for (const KWArchiveValue& each : value.array()->elements)
+            element.value(each);
+        return true;
+    }
+    const auto label = static_cast<std::uint32_t>(_labels.size());
+    _labels.push_back({Label::Kind::object, 0, none, 0});
+    const std::uint32_t aClass = readClass();
+    if (aClass == none)
+        damaged("an object without a class");
+    const Level level(*this, aClass);
+    if (_classes[aClass].cluster != Cluster::array &&
+        _classes[aClass].cluster != Cluster::mutableArray)
+        damaged("expected an array, found " + _classes[aClass].name);
+    std::int32_t count = 0;
+    readValues("i", {&count});
+    if (count < 0 || static_cast<std::size_t>(count) > remaining())
+        damaged("an array claims " + std::to_string(count) +
+                " elements, more than there are bytes");
+    std::vector<std::uint32_t> labels;
+    labels.reserve(static_cast<std::size_t>(count));
+    element.begin(static_cast<std::size_t>(count));
+    for (std::int32_t k = 0; k < count; ++k) {
+        _steps.back().index = static_cast<std::uint32_t>(k);
+        readElement(
+            [&](std::uint32_t elementLabel, std::uint32_t elementClass) {
+                labels.push_back(elementLabel);
+                element.added(elementLabel, elementClass);
+            },
+            [&](std::uint32_t known) {
+                labels.push_back(known);
+                element.known(known);
+            });
+    }
+    endObject();
+    const bool isMutable = _classes[aClass].cluster == Cluster::mutableArray;
+    _labels[label] = {Label::Kind::list, isMutable, static_cast<std::uint32_t>(_lists.size()), 0};
+    _lists.push_back(std::move(labels));
+    return true;
+}
+
+struct KWTypedStreamReader::Floats {
+    KWTypedStreamReader& reader;
+    std::vector<float>& list;
+
+    void begin(std::size_t count) { list.reserve(count); }
+    void added(std::uint32_t label, std::uint32_t aClass) {
+        if (reader._classes[aClass].cluster != Cluster::number)
+            reader.damaged("expected a number, found " + reader._classes[aClass].name);
+        const KWNumber number = reader.readNumberContents();
+        std::uint64_t bits = 0;
+        if (number.type() == KWNumber::Type::float32)
+            bits = std::bit_cast<std::uint32_t>(number.floatValue());
+        else if (number.type() == KWNumber::Type::float64)
+            bits = std::bit_cast<std::uint64_t>(number.doubleValue());
+        else
+            bits = static_cast<std::uint64_t>(number.int64Value());
+        reader._labels[label] = {Label::Kind::number, static_cast<char>(number.type()), none, bits};
+        list.push_back(number.floatValue());
+    }
+    void known(std::uint32_t label) { value(reader.valueOfLabel(label, true)); }
+    void value(const KWArchiveValue& element) {
+        if (!element.number())
+            reader.damaged("expected a number, found " + element.kindName());
+        list.push_back(element.number()->floatValue());
+    }
+};
+
+struct KWTypedStreamReader::Reals {
+    KWTypedStreamReader& reader;
+    std::vector<float>& list;
+    const KWRealClass& wanted;
+    std::uint32_t place; ///< of the class in _realClasses
+    std::uint32_t checked = none;
+
+    void begin(std::size_t count) { list.reserve(count); }
+    void added(std::uint32_t label, std::uint32_t aClass) {
+        if (aClass != checked) {
+            const Class& found = reader._classes[aClass];
+            if (!found.known || !found.known->isSubclassOfClass(wanted.aClass))
+                reader.damaged("expected " + std::string(wanted.aClass.name()) + ", found " +
+                               found.name);
+            checked = aClass;
+        }
+        float number = 0;
+        reader.readValues("f", {&number});
+        reader._labels[label] = {Label::Kind::real, 0, place, std::bit_cast<std::uint32_t>(number)};
+        list.push_back(number);
+    }
+    void known(std::uint32_t label) {
+        const Label& found = reader._labels[label];
+        if (found.kind == Label::Kind::real && found.index == place)
+            list.push_back(std::bit_cast<float>(static_cast<std::uint32_t>(found.bits)));
+        else
+            value(reader.valueOfLabel(label, true));
+    }
+    void value(const KWArchiveValue& element) {
+        const auto object = element.object();
+        if (!object || !object->isKindOfClass(wanted.aClass))
+            reader.damaged("expected " + std::string(wanted.aClass.name()) + ", found " +
+                           element.kindName());
+        list.push_back(wanted.unbox(*object));
+    }
+};
+
+/// Records are words of four bytes in the order of the machine that wrote them, unless the archive
+/// describes them as numbers.
+struct KWTypedStreamReader::Records {
+    KWTypedStreamReader& reader;
+    std::vector<std::byte>& list;
+    std::size_t size;
+    std::string type;
+
+    void begin(std::size_t count) {
+        list.reserve(std::min(count * size, reader.remaining() + size));
+    }
+    void added(std::uint32_t label, std::uint32_t aClass) {
+        const Class& found = reader._classes[aClass];
+        if (found.cluster != Cluster::data && found.cluster != Cluster::mutableData)
+            return addStruct(label, found);
+        std::int32_t count = 0;
+        reader.readValues("i", {&count});
+        if (count < 0 || static_cast<std::size_t>(count) > reader.remaining())
+            reader.damaged("data claims " + std::to_string(count) + " bytes, more than there are");
+        const bool isUsual = static_cast<std::size_t>(count) == size;
+        if (count > 0 || reader.peekHead() != endHead)
+            reader.expectType(isUsual ? type : "[" + std::to_string(count) + "c]");
+        reader.require(static_cast<std::size_t>(count));
+        reader._labels[label] = {Label::Kind::data, 0, static_cast<std::uint32_t>(count),
+                                 reader._place};
+        put(reader._bytes.subspan(reader._place, static_cast<std::size_t>(count)));
+        reader._place += static_cast<std::size_t>(count);
+    }
+    void addStruct(std::uint32_t label, const Class& found) {
+        constexpr std::size_t largest = 4096;
+        if (found.name != "NSValue")
+            reader.damaged("expected data, found " + found.name);
+        reader.expectType("*");
+        const std::string_view* text = reader.readCString();
+        const std::string described(text ? *text : "");
+        if (KWFirstType(described) != described || described.empty() ||
+            !KWLayoutOfType(described).isPlain || KWLayoutOfType(described).size > largest)
+            reader.damaged("\"" + described.substr(0, 40) + "\" is no type of a record");
+        reader.expectType(described);
+        KWData value(KWLayoutOfType(described).size);
+        reader.readOne(described, value.data());
+        reader._labels[label] = {Label::Kind::cString, 0, none, 0};
+        put(value, false);
+    }
+    void known(std::uint32_t label) {
+        const Label& found = reader._labels[label];
+        if (found.kind == Label::Kind::data)
+            put(reader._bytes.subspan(found.bits, found.index));
+        else
+            value(reader.valueOfLabel(label, true));
+    }
+    void value(const KWArchiveValue& element) {
+        if (!element.data())
+            reader.damaged("expected data, found " + element.kindName());
+        put(element.data()->bytes);
+    }
+    void put(std::span<const std::byte> bytes, bool isRaw = true) {
+        const std::size_t start = list.size();
+        const std::size_t count = std::min(bytes.size(), size);
+        reader.spend(size);
+        list.insert(list.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count));
+        list.resize(start + size);
+        if (isRaw && reader._isBigEndian)
+            for (std::size_t k = start; k + 4 <= list.size(); k += 4)
+                std::reverse(list.begin() + static_cast<std::ptrdiff_t>(k),
+                             list.begin() + static_cast<std::ptrdiff_t>(k + 4));
+    }
+};
+
+bool KWTypedStreamReader::readFloats(std::vector<float>& list) {
+    list.clear();
+    Floats floats{*this, list};
+    return readList(floats);
+}
+
+bool KWTypedStreamReader::readRealObjects(std::vector<float>& list, const KWRealClass& aClass) {
+    list.clear();
+    std::uint32_t place = 0;
+    while (place < _realClasses.size() && &_realClasses[place].aClass != &aClass.aClass)
+        ++place;
+    if (place == _realClasses.size())
+        _realClasses.push_back(aClass);
+    Reals reals{*this, list, aClass, place};
+    return readList(reals);
+}
+
+bool KWTypedStreamReader::readRecords(std::vector<std::byte>& list, std::size_t recordSize) {
+    list.clear();
+    Records records{*this, list, recordSize, "[" + std::to_string(recordSize) + "c]"};
+    return readList(records);
+}
