@@ -305,19 +305,18 @@ void KWTypedStreamWriter::writeObject(const KWArchiveValue& value) {
     }
     const void* identity = value.identity();
     if (_isFirstWalk) {
-        // Values hold no conditional objects unless they are lists or objects.
+        // Numbers hold no conditional objects.
         if (!identity || !_reached.insert(identity).second)
             return;
-        _alive.push_back(value);
     } else if (!identity) {
         return writeNumberObject(*value.number());
     } else {
         const auto [known, isNew] = _objectLabels.try_emplace(identity, _nextLabel);
         if (!isNew)
             return writeInteger(known->second);
-        if (!_isInRoot)
-            _alive.push_back(value);
     }
+    // Also what was made only to be written: its address must not come again.
+    _alive.push_back(value);
     if (++_depth > KWArchiveMaximumDepth)
         unsupported("objects are nested more than " + std::to_string(KWArchiveMaximumDepth) +
                     " deep");
