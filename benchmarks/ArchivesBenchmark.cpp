@@ -2,9 +2,11 @@
 
 #include <KWBase/KWChannelArray.h>
 #include <KWBase/KWKeyFramedChannel.h>
+#include <KWFoundation/KWArchiver.h>
 #include <KWFoundation/KWFile.h>
 #include <KWFoundation/KWKeyedArchiver.h>
 #include <KWFoundation/KWKeyedUnarchiver.h>
+#include <KWFoundation/KWUnarchiver.h>
 
 #include <benchmark/benchmark.h>
 #include <plist/plist.h>
@@ -38,14 +40,25 @@ std::shared_ptr<KWChannelArray> channelsWithKeys(std::int64_t keys) {
     return array;
 }
 
-const KWData& archiveOf(const benchmark::State& state) {
+struct Archives {
+    KWData keyed;
+    KWData sequential;
+};
+
+const Archives& archivesOf(const benchmark::State& state) {
     static std::int64_t keys = 0;
-    static KWData archive;
+    static Archives archives;
     if (keys != state.range(0)) {
         keys = state.range(0);
-        archive = KWKeyedArchiver::archivedDataWithRootObject(channelsWithKeys(keys));
+        const auto channels = channelsWithKeys(keys);
+        archives = {KWKeyedArchiver::archivedDataWithRootObject(channels),
+                    KWArchiver::archivedDataWithRootObject(channels)};
     }
-    return archive;
+    return archives;
+}
+
+const KWData& archiveOf(const benchmark::State& state) {
+    return archivesOf(state).keyed;
 }
 
 void countBytes(benchmark::State& state, std::size_t bytes) {
@@ -62,6 +75,29 @@ void openChannels(benchmark::State& state) {
         benchmark::DoNotOptimize(root->channels()->back()->valueForTime(KWTime(500)));
     }
     countBytes(state, archive.size());
+}
+
+void openSequential(benchmark::State& state) {
+    const KWData& archive = archivesOf(state).sequential;
+    for (auto _ : state) {
+        const auto root = std::dynamic_pointer_cast<KWChannelArray>(
+            KWUnarchiver::unarchiveObjectWithData(archive));
+        if (!root || root->channelCount() != state.range(0) / 1000)
+            throw std::runtime_error("the archive did not open");
+        benchmark::DoNotOptimize(root->channels()->back()->valueForTime(KWTime(500)));
+    }
+    countBytes(state, archive.size());
+}
+
+void writeSequential(benchmark::State& state) {
+    const auto root = channelsWithKeys(state.range(0));
+    std::size_t bytes = 0;
+    for (auto _ : state) {
+        const KWData archive = KWArchiver::archivedDataWithRootObject(root);
+        bytes = archive.size();
+        benchmark::DoNotOptimize(archive.data());
+    }
+    countBytes(state, bytes);
 }
 
 void parseProperties(benchmark::State& state) {
@@ -113,6 +149,8 @@ void arguments(benchmark::internal::Benchmark* benchmark) {
 }
 
 BENCHMARK(openChannels)->Apply(arguments);
+BENCHMARK(openSequential)->Apply(arguments);
+BENCHMARK(writeSequential)->Apply(arguments);
 BENCHMARK(parseProperties)->Apply(arguments);
 BENCHMARK(libplistParse)->Apply(arguments);
 BENCHMARK(writeChannels)->Apply(arguments);
@@ -126,6 +164,12 @@ using Goal = KWRatio::Goal;
                    Goal::atMost, 1}) &&
     KWReportRatio({"1,000,000 keys: write, libplist's parse", "writeChannels/1000000/repeats:5",
                    "libplistParse/1000000/repeats:5", Goal::atMost, 1}) &&
+    KWReportRatio({"1,000,000 keys: open sequential, open keyed",
+                   "openSequential/1000000/repeats:5", "openChannels/1000000/repeats:5",
+                   Goal::atMost, 1}) &&
+    KWReportRatio({"1,000,000 keys: write sequential, write keyed",
+                   "writeSequential/1000000/repeats:5", "writeChannels/1000000/repeats:5",
+                   Goal::atMost, 1}) &&
     KWReportRatio({"100,000 keys: libplist's parse, open down to channels",
                    "openChannels/100000/repeats:5", "libplistParse/100000/repeats:5", Goal::atLeast,
                    10});

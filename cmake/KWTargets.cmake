@@ -6,7 +6,7 @@ set(KWBASE_COMPILE_OPTIONS
     -ffp-contract=off
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
     -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
-    -Wno-restrict # false alarms about string additions in gcc 12
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> # false alarms about string additions in gcc 12
 )
 
 # kw_target_defaults(<target>)

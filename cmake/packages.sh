@@ -4,6 +4,7 @@ kw_packages=(
     cmake ninja-build g++ pkg-config
     libexpat1-dev libcli11-dev nlohmann-json3-dev
     libgtest-dev libbenchmark-dev libplist-dev python3 locales
+    clang libclang-rt-14-dev # for the fuzzers
 )
 
 # Prints the packages that are missing, one a line. On a system without dpkg: all of them.
