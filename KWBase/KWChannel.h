@@ -17,8 +17,8 @@
 class KWChannel;
 class KWChannelGroup;
 
-/// Posted by a channel, with itself as object, at each edit of its value: before its contents
-/// change, so that listeners mark what they show as dirty and read later.
+/// Posted by a channel, with itself as object, at each edit of its value. Listeners mark what they
+/// show as dirty and read later: a keyframed channel's keys change only after it.
 inline constexpr std::string_view KWChannelChangedNotification = "KWM_ChannelChanged";
 
 /// What a channel's values measure. Any other code behaves as KWUnitTypeNone.

@@ -18,6 +18,9 @@ class KW_EXPORT KWConstantChannel : public KWChannel {
 
     float valueForTime(std::optional<KWTime> time) const override;
     void valuesForTimes(std::span<const float> times, std::span<float> values) const override;
+    /// Sets the value of every time, whatever `time` is. Invalidates, tells the owner and posts
+    /// KWChannelChangedNotification as other edits do, but registers no undo, and the value is
+    /// already the new one by then.
     void setValueForTime(float value, std::optional<KWTime> time) override;
 
     /// Takes the value alone: the copy is called "no name" and has colour index 0 and no unit.

@@ -85,7 +85,7 @@ bool KWKeyFramedChannel::isKeyframe(KWTime time) const {
 std::uint32_t KWKeyFramedChannel::keyframeIndexPrecedingTime(KWTime time) const {
     const std::vector<float>& keys = _frames.keys;
     if (keys.empty())
-        return 0xfffffffe;
+        return KWNoKeyframes;
     const float t = time.time();
     if (_regular)
         return KWKeyFrameCurve::countNotAfter(keys.data(), keyframeCount(), t) - 1;

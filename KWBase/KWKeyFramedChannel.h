@@ -17,8 +17,9 @@ enum : std::int32_t {
     KWKeyFrameModeStep = 2,
 };
 
-/// What happens outside the keyed range. Other codes map no time and do not hold the ends: there
-/// the curve runs from the last key to the first.
+/// What happens outside the keyed range. Any other code leaves times as they are and does not hold
+/// the ends either: outside the keys, values follow the curve that runs from the last key to the
+/// first.
 enum : std::int32_t {
     KWRepeatModeNone = 0,     ///< the first and the last value hold
     KWRepeatModeCycle = 1,    ///< time wraps around
@@ -32,6 +33,8 @@ struct HJHermiteParam {
     float tension = 0;
     float bias = 0;
     float continuity = 0;
+    /// No curve reads these, and a host may keep numbers of its own in them: edits, undo, copies
+    /// and sequential archives carry them. Keyed archives hold zeros in their place.
     float reserved[6] = {};
 };
 static_assert(sizeof(HJHermiteParam) == 36);
@@ -59,10 +62,17 @@ struct HJKeyMoveRange {
 
 } // namespace kwbase
 
+/// Answers of keyframeIndexPrecedingTime that are no index.
+inline constexpr std::uint32_t KWBeforeFirstKeyframe = 0xffffffff;
+inline constexpr std::uint32_t KWNoKeyframes = 0xfffffffe;
+
 /// A channel of keys - a time, a value and a shape each - in order of time. Keys are known by their
-/// time: no two share one, and 0.0 and -0.0 are one time. Times that are NaN are ignored as nil is.
+/// time: no two share one, and 0.0 and -0.0 are one time. Nil is std::nullopt here. Times that are
+/// NaN are ignored as nil is.
 ///
-/// Edits register their inverse with the owner's undo manager, except during a manipulation.
+/// An edit of keys registers its inverse with the owner's undo manager, provided that the channel
+/// lives in a std::shared_ptr and has an owner with an undo manager, and that no manipulation is
+/// under way.
 ///
 /// An edit is made and registered, or it is neither. What observers throw - of this channel, of its
 /// notices, of its owner or of the undo manager - keeps no edit from being made, nor those that
@@ -85,8 +95,8 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     static const KWClass& classObject();
     const KWClass& isa() const override { return classObject(); }
 
-    /// The other channel's contents, its keys, modes and saved copies included; null for another
-    /// class.
+    /// The other channel's contents: its keys, its modes, and the copy of its keys that was taken
+    /// when it was last manipulated; null for another class.
     static std::shared_ptr<KWKeyFramedChannel> initWithChannel(const KWChannel& channel) {
         return KWChannel::initWithChannel<KWKeyFramedChannel>(channel);
     }
@@ -100,7 +110,7 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     /// The record's bytes; hermiteData() for null.
     static KWData hermiteDataFrom(const HJHermiteParam* param);
 
-    // --- Modes. Setting one neither invalidates nor notifies.
+    // --- Modes. Setting one neither invalidates nor notifies, and registers no undo.
 
     std::int32_t keyFrameChannelMode() const { return _mode; }
     void setKeyFrameChannelMode(std::int32_t mode) { _mode = mode; }
@@ -120,23 +130,34 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     void setValuesHermiteValuesForKeyframes(const std::vector<float>& values,
                                             const std::vector<KWData>& hermiteValues,
                                             const std::vector<KWTime>& keys);
+
+    // --- Replacing the shape of a key alone; nothing happens at a time without a key. The channel
+    // is invalidated and KWChannelChangedNotification posted when it is done. The owner is not
+    // told.
+
     /// KWException "KWHermiteParam size mismatch" unless the record has 36 bytes.
     void modifyHermiteValueForKeyframe(const KWData& hermite, KWTime key);
-    /// Replaces the shape of a key; nothing happens for null or at a time without a key.
+    /// Nothing happens for null.
     void modifyHermiteParamForKeyframe(const HJHermiteParam* param, KWTime key);
 
-    // --- Removing keys. No notification is posted.
+    // --- Removing keys. The channel is invalidated. No notification is posted, and the owner is
+    // not told.
 
     /// Nothing happens at a time without a key.
     void removeValueForKeyframe(KWTime key);
     void removeValuesForKeyframes(const std::vector<KWTime>& keys);
-    /// Does not even invalidate.
+    /// Does not even invalidate the channel.
     void removeAllKeyframes();
 
     // --- Reading keys.
 
     std::vector<KWTime> allKeyframes() const;
     std::uint32_t keyframeCount() const { return static_cast<std::uint32_t>(_frames.keys.size()); }
+    /// As many as there are keys, but in an irregular channel.
+    std::uint32_t valueCount() const { return static_cast<std::uint32_t>(_frames.values.size()); }
+    std::uint32_t hermiteCount() const {
+        return static_cast<std::uint32_t>(_frames.records.size());
+    }
     /// Nil when the index is not below the count.
     std::optional<KWTime> keyframeAtIndex(std::uint32_t index) const;
     std::optional<KWTime> firstKeyframe() const;
@@ -144,11 +165,11 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     bool isKeyframe(KWTime time) const;
     /// KWNotFound at a time without a key.
     std::uint32_t indexOfKeyframe(KWTime time) const;
-    /// The last key at or before the time; 0xffffffff before the first key, 0xfffffffe without
-    /// keys.
+    /// The last key at or before the time; KWBeforeFirstKeyframe or KWNoKeyframes when there is
+    /// none.
     std::uint32_t keyframeIndexPrecedingTime(KWTime time) const;
-    /// The keys around a time; both are the first key before all keys, the last key at or after it.
-    /// A key at the time counts as passed. Nil without keys.
+    /// The last key at or before a time and the first key after it. For a time before all keys both
+    /// are the first key, and from the last key on both are the last. Nil without keys.
     std::optional<std::array<KWTime, 2>> boundingKeyframesForTime(KWTime time) const;
     /// Both bounds included.
     std::vector<KWTime> keyframesBetweenAnd(KWTime first, KWTime second) const;
@@ -158,8 +179,9 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     float valueForKeyframe(KWTime time) const;
     /// Nil at a time without a key.
     std::optional<KWData> hermiteValueForKeyframe(KWTime time) const;
+    /// One for each time; 0 for a time without a key.
     std::vector<float> valuesForKeyframes(const std::vector<KWTime>& keys) const;
-    /// std::invalid_argument at the first time without a key.
+    /// One for each time; std::invalid_argument at the first time without a key.
     std::vector<KWData> hermiteValuesForKeyframes(const std::vector<KWTime>& keys) const;
 
     /// Time and value ranges of the keys, 0 always among the values. Without a span of time it is
@@ -185,8 +207,9 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
 
     // --- Manipulation: edits between start and stop register no undo; stop registers one step from
     // the keys and values at the start to those at the stop, or none when they are equal. Changed
-    // shapes alone do not count. Starting again while manipulating takes the copies again. Stopping
-    // without a start is one step too: it goes back to the copies last taken, and again to the end.
+    // shapes alone do not count. For this the start keeps a copy of all keys, which outlives the
+    // stop; starting again while manipulating takes it anew. Stopping without a start is one step
+    // too: it goes back to the copy last taken, empty if none was, and again to the end.
 
     void startManipulation() override;
     void stopManipulation() override;

@@ -32,7 +32,7 @@ float KWKeyFramedChannel::valueByWalking(float t) const {
     const std::uint32_t preceding = keyframeIndexPrecedingTime(t);
     if (count == 0)
         return 0.0f;
-    if (count == 1 || (_repeat == KWRepeatModeNone && preceding == 0xffffffff))
+    if (count == 1 || (_repeat == KWRepeatModeNone && preceding == KWBeforeFirstKeyframe))
         return _frames.values.at(0);
     if (_repeat == KWRepeatModeNone && preceding == count - 1)
         return _frames.values.at(preceding);

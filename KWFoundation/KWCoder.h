@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -26,10 +27,12 @@ struct KWRealClass {
     float (*unbox)(const KWObject& object);
 };
 
-/// Writes an object's contents to an archive, or reads them back. A class asks allowsKeyedCoding()
-/// and uses one family of calls: with keys, in any order when reading, or without, in one fixed
-/// order. Calls of the family that a coder lacks, and reading from one that writes, raise
-/// std::logic_error.
+/// Writes an object's contents to an archive, or reads them back. Here and in other headers of
+/// archives, "the platform" is the desktop platform whose keyed and sequential archives these are.
+///
+/// A class asks allowsKeyedCoding() and uses one family of calls: with keys, in any order when
+/// reading, or without, in one fixed order. Calls of the family that a coder lacks, and reading
+/// from one that writes, raise std::logic_error.
 ///
 /// Reading raises KWArchiveError when the archive holds something of another kind than was asked
 /// for. What is absent reads as nil, 0 or false.
@@ -125,8 +128,9 @@ class KW_EXPORT KWCoder {
     virtual KWData decodeBytes();
     virtual KWData decodeDataObject();
 
-    // The lists of above. Records are words of four bytes in the order of the machine that writes;
-    // those of a machine of the other order are turned when they are read.
+    // Lists of small things, as with keys: without boxing each, false for nil. Records are words of
+    // four bytes in the order of the machine that writes; those of a machine of the other order are
+    // turned when they are read.
     virtual void encodeFloats(std::span<const float> list);
     virtual bool decodeFloats(std::vector<float>& list);
     virtual void encodeRealObjects(std::span<const float> list, const KWRealClass& aClass);
@@ -138,7 +142,7 @@ class KW_EXPORT KWCoder {
 
     // Where there are no keys, `what` names the value in messages.
 
-    /// The string under the key; empty for nil.
+    /// The string under the key; std::nullopt for nil.
     std::optional<std::string> decodeStringForKey(std::string_view key) {
         return stringOf(decodeObjectForKey(key), key);
     }
@@ -156,7 +160,7 @@ class KW_EXPORT KWCoder {
         return objectOfClass<T>(decodeObject(), what);
     }
 
-    /// The list under the key, whose elements must be Ts and not nil; empty for nil.
+    /// The list under the key, whose elements must be Ts and not nil; std::nullopt for nil.
     template <class T>
     std::optional<std::vector<std::shared_ptr<T>>>
     decodeObjectsOfClassForKey(std::string_view key) {
@@ -167,7 +171,8 @@ class KW_EXPORT KWCoder {
         return objectsOfClass<T>(decodeObject(), what);
     }
 
-    /// Raises the KWArchiveError that names the archive and the place being read.
+    /// Raises the KWArchiveError that names the archive, the place being read and the reason. For
+    /// an initWithCoder that finds values it cannot use; `key` is theirs, empty without keys.
     [[noreturn]] virtual void failDecoding(const std::string& reason, std::string_view key) const;
 
   protected:

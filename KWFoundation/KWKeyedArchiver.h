@@ -7,8 +7,9 @@
 #include <filesystem>
 #include <memory>
 
-/// Writes values and objects with keys, in the platform's property-list form: a dictionary of
-/// "$version", "$top", "$archiver" and "$objects".
+/// Writes values and objects with keys, in the property-list form of the platform - the desktop
+/// platform whose archives these are: a dictionary of "$version", "$top", "$archiver" and
+/// "$objects".
 ///
 /// Each object is written once and referred to from then on, so graphs with shared parts and cycles
 /// come back as they were. KWArchiveError (unsupported) for objects nested more than

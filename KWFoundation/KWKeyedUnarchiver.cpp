@@ -13,6 +13,14 @@ using Index = KWPropertyList::Index;
 using Kind = KWPropertyList::Kind;
 constexpr Index none = KWPropertyList::none;
 
+std::shared_ptr<KWObject> rootObject(KWKeyedUnarchiver unarchiver) {
+    const KWArchiveValue value = unarchiver.decodeObjectForKey("root");
+    auto object = value.object();
+    if (!object)
+        unarchiver.failDecoding("expected an object, found " + value.kindName(), "root");
+    return object;
+}
+
 } // namespace
 
 KWKeyedUnarchiver::KWKeyedUnarchiver(std::span<const std::byte> bytes, Options options,
@@ -37,12 +45,12 @@ KWArchiveValue KWKeyedUnarchiver::unarchiveValueWithFile(const std::filesystem::
 std::shared_ptr<KWObject>
 KWKeyedUnarchiver::unarchiveObjectWithData(std::span<const std::byte> bytes, Options options,
                                            std::string file) {
-    KWKeyedUnarchiver unarchiver(bytes, options, std::move(file));
-    const KWArchiveValue value = unarchiver.decodeObjectForKey("root");
-    auto object = value.object();
-    if (!object)
-        unarchiver.failDecoding("expected an object, found " + value.kindName(), "root");
-    return object;
+    return rootObject(KWKeyedUnarchiver(bytes, options, std::move(file)));
+}
+
+std::shared_ptr<KWObject>
+KWKeyedUnarchiver::unarchiveObjectWithFile(const std::filesystem::path& path, Options options) {
+    return rootObject(KWKeyedUnarchiver(KWPropertyList::parseFile(path), options));
 }
 
 KWPropertyList::Format KWKeyedUnarchiver::format() const {

@@ -15,7 +15,8 @@ struct KWUnarchivingOptions {
     /// registered superclass that has one. Without it an unknown class is an error.
     bool keepsUnknownObjects = false;
     /// Take every object as one of a class that nobody knows, also those of the platform's own
-    /// classes: the archive as it stands. Sequential archives only.
+    /// classes: the archive as it stands. For KWUnarchiver, which reads sequential archives;
+    /// KWKeyedUnarchiver ignores it.
     bool knowsNoClasses = false;
 };
 
@@ -44,6 +45,8 @@ class KW_EXPORT KWKeyedUnarchiver : public KWCoder {
     static std::shared_ptr<KWObject> unarchiveObjectWithData(std::span<const std::byte> bytes,
                                                              Options options = {},
                                                              std::string file = {});
+    static std::shared_ptr<KWObject> unarchiveObjectWithFile(const std::filesystem::path& path,
+                                                             Options options = {});
 
     /// The form that was read.
     KWPropertyList::Format format() const;
@@ -67,6 +70,7 @@ class KW_EXPORT KWKeyedUnarchiver : public KWCoder {
     bool decodeRecordsForKey(std::vector<std::byte>& list, std::size_t recordSize,
                              std::string_view key) override;
 
+    /// For the initWithCoder of a class that finds what it cannot use under the key.
     [[noreturn]] void failDecoding(const std::string& reason, std::string_view key) const override;
 
   private:

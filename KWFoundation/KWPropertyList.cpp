@@ -81,6 +81,7 @@ bool looksLikeXML(std::span<const std::byte> bytes) {
 class DataSink final : public KWByteSink {
   public:
     explicit DataSink(KWData& data) : _data(data) {}
+    void expect(std::uint64_t bytes) override { _data.reserve(bytes); }
 
   private:
     void take(std::span<const std::byte> bytes) override {
@@ -322,8 +323,6 @@ Index KWPropertyList::addDictionary(std::span<const Index> keys, std::span<const
 
 KWData KWPropertyList::data(Format format) const {
     KWData data;
-    if (format == Format::binary)
-        data.reserve(KWBinaryPropertyListSize(*this));
     DataSink sink(data);
     write(*this, format, sink);
     return data;

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <vector>
 
 // Binary form, version 00: a marker, the objects, a table of their offsets and a trailer of 32
 // bytes. All numbers are big-endian.
@@ -44,12 +45,16 @@ class KWBinaryPropertyListReader {
         readTrailer();
         _list._offsetSize = static_cast<std::uint8_t>(_offsetSize);
         _list._tableOffset = _tableOffset;
-        _list._nodes.resize(_objectCount);
+        _list._nodes.reserve(_objectCount);
+        // Room for as many references as the objects could hold; what is not used is never touched.
+        _list._children.reserve((_tableOffset - headerSize) / _referenceSize);
         std::uint64_t bytesRead = 0;
         for (std::uint64_t object = 0; object < _objectCount; ++object) {
             _start = objectOffset(object);
             _place = _start + 1;
-            readObject(_list._nodes[object]);
+            Node node;
+            readObject(node);
+            _list._nodes.push_back(node);
             bytesRead += _place - _start;
             if (bytesRead > _tableOffset)
                 fail(_start, "objects overlap");
@@ -78,9 +83,10 @@ class KWBinaryPropertyListReader {
         _tableOffset = bigEndian(trailer + 24, 8);
         if (_offsetSize < 1 || _offsetSize > 8 || _referenceSize < 1 || _referenceSize > 8)
             fail(place + 6,
-                 "the trailer's sizes of offsets and references are not between 1 and 8");
+                 "the trailer's sizes of offsets and references are not between 1 and 8; "
+                 "the file may be cut short");
         if (_tableOffset < headerSize || _tableOffset > place)
-            fail(place + 24, "the offset table lies outside the file");
+            fail(place + 24, "the offset table lies outside the file; the file may be cut short");
         if (_objectCount > (place - _tableOffset) / _offsetSize)
             fail(place + 8, "the trailer counts more objects than the offset table holds");
         if (_objectCount >= KWPropertyList::none)
@@ -228,8 +234,6 @@ class KWBinaryPropertyListReader {
         require(count, _referenceSize * perEntry);
         node.count = static_cast<std::uint32_t>(count);
         node.integer = static_cast<std::int64_t>(_list._children.size());
-        _list._children.resize(_list._children.size() + count * perEntry);
-        Index* children = _list._children.data() + node.integer;
         const std::byte* place = at(_place);
         for (std::uint64_t k = 0; k < count * perEntry; ++k, place += _referenceSize) {
             const std::uint64_t child = bigEndian(place, _referenceSize);
@@ -237,7 +241,7 @@ class KWBinaryPropertyListReader {
                 fail(static_cast<std::uint64_t>(place - _source.data()),
                      "a reference to object " + std::to_string(child) + " of " +
                          std::to_string(_objectCount));
-            children[k] = static_cast<Index>(child);
+            _list._children.push_back(static_cast<Index>(child));
         }
         _place += count * perEntry * _referenceSize;
     }
@@ -433,36 +437,24 @@ void putObject(const Layout& layout, Index node, KWByteSink& sink) {
     }
 }
 
-std::uint64_t objectsSize(const Layout& layout) {
-    std::uint64_t size = headerSize;
-    for (std::uint64_t object = 0; object < layout.count; ++object)
-        size += layout.objectSize(layout.node(object));
-    return size;
-}
-
 } // namespace
-
-std::uint64_t KWBinaryPropertyListSize(const KWPropertyList& list) {
-    const Layout layout(list);
-    const std::uint64_t tableOffset = objectsSize(layout);
-    return tableOffset + layout.count * sizeFor(tableOffset) + trailerSize;
-}
 
 void KWWriteBinaryPropertyList(const KWPropertyList& list, KWByteSink& sink) {
     const Layout layout(list);
-    const std::uint64_t tableOffset = objectsSize(layout);
+    std::vector<std::uint64_t> offsets(layout.count);
+    std::uint64_t tableOffset = headerSize;
+    for (std::uint64_t object = 0; object < layout.count; ++object) {
+        offsets[object] = tableOffset;
+        tableOffset += layout.objectSize(layout.node(object));
+    }
     const std::size_t offsetSize = sizeFor(tableOffset);
+    sink.expect(tableOffset + layout.count * offsetSize + trailerSize);
 
     sink.put("bplist00");
     for (std::uint64_t object = 0; object < layout.count; ++object)
         putObject(layout, layout.node(object), sink);
-
-    // The offsets are the sizes summed once more: cheaper than to keep them.
-    std::uint64_t offset = headerSize;
-    for (std::uint64_t object = 0; object < layout.count; ++object) {
+    for (const std::uint64_t offset : offsets)
         sink.putBigEndian(offset, offsetSize);
-        offset += layout.objectSize(layout.node(object));
-    }
     sink.putBigEndian(0, 6);
     sink.putBigEndian(offsetSize, 1);
     sink.putBigEndian(layout.referenceSize, 1);

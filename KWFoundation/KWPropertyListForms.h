@@ -10,7 +10,7 @@
 /// themselves in memory.
 class KWByteSink {
   public:
-    KWByteSink() : _block(std::make_unique_for_overwrite<std::byte[]>(capacity)) {}
+    KWByteSink() : _block(std::make_unique_for_overwrite<std::byte[]>(capacity + 8)) {}
     virtual ~KWByteSink() = default;
 
     void put(std::byte byte) { *reserve(1) = byte; }
@@ -25,12 +25,15 @@ class KWByteSink {
             std::memcpy(reserve(count), source, count);
     }
     void put(std::string_view text) { put(text.data(), text.size()); }
-    /// The low `size` bytes of a number, the highest first.
+    /// The low `size` bytes of a number, the highest first; 1 to 8 of them.
     void putBigEndian(std::uint64_t value, std::size_t size) {
-        std::byte* place = reserve(size);
-        for (std::size_t k = 0; k < size; ++k)
-            place[k] = static_cast<std::byte>(value >> (8 * (size - 1 - k)));
+        // All eight are stored, the block having room for them; what is behind the last is
+        // overwritten by what comes next.
+        const std::uint64_t turned = __builtin_bswap64(value << (64 - 8 * size));
+        std::memcpy(reserve(size), &turned, sizeof turned);
     }
+    /// Says how many bytes there will be in all.
+    virtual void expect(std::uint64_t) {}
     void finish() {
         if (_used > 0)
             take({_block.get(), _used});
@@ -59,6 +62,3 @@ void KWReadXMLPropertyList(KWPropertyList& list);
 
 void KWWriteBinaryPropertyList(const KWPropertyList& list, KWByteSink& sink);
 void KWWriteXMLPropertyList(const KWPropertyList& list, KWByteSink& sink);
-
-/// How many bytes the binary form takes.
-std::uint64_t KWBinaryPropertyListSize(const KWPropertyList& list);

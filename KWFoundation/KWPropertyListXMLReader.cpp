@@ -84,6 +84,15 @@ std::optional<std::string> base64Decoded(std::string_view text) {
     return bytes;
 }
 
+/// What expat says, and what lies behind those errors that it meets only at the end of the file.
+std::string parserError(XML_Error code) {
+    std::string reason = XML_ErrorString(code);
+    if (code == XML_ERROR_UNCLOSED_TOKEN || code == XML_ERROR_NO_ELEMENTS ||
+        code == XML_ERROR_PARTIAL_CHAR || code == XML_ERROR_UNCLOSED_CDATA_SECTION)
+        reason += "; the file may be cut short";
+    return reason;
+}
+
 } // namespace
 
 /// Gathers what the parser meets. An error is kept until the parser has returned, as exceptions
@@ -108,7 +117,7 @@ class KWXMLPropertyListReader {
                 XML_Parse(_parser.get(), reinterpret_cast<const char*>(bytes.data()),
                           static_cast<int>(count), last);
             if (status == XML_STATUS_ERROR && !_failed)
-                fail(XML_ErrorString(XML_GetErrorCode(_parser.get())));
+                fail(parserError(XML_GetErrorCode(_parser.get())));
             bytes = bytes.subspan(count);
             if (last)
                 break;

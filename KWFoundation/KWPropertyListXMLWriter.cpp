@@ -53,8 +53,8 @@ class XMLWriter {
     }
 
     void indent(std::size_t depth) {
-        for (std::size_t k = 0; k < depth; ++k)
-            _sink.put("\t");
+        static const std::string tabs(KWArchiveMaximumDepth + 2, '\t');
+        _sink.put(std::string_view(tabs).substr(0, depth));
     }
 
     void writeNext() {
@@ -82,7 +82,7 @@ class XMLWriter {
 
     void writeNode(Index node) {
         // What a binary list shares is written out each time it is met.
-        spend(node, 16);
+        spend(node, 16 + _open.size());
         indent(_open.size());
         switch (_list.kind(node)) {
         case Kind::null:

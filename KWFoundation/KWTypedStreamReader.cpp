@@ -12,25 +12,32 @@
 
 using namespace KWTypedStream;
 
-struct KWTypedStreamReader::Level {
-    Level(KWTypedStreamReader& owner, std::uint32_t aClass) : reader(owner) {
-        if (reader._steps.size() >= KWArchiveMaximumDepth)
-            reader.fail(KWArchiveError::Kind::unsupported,
-                        "objects are nested more than " + std::to_string(KWArchiveMaximumDepth) +
-                            " deep");
-        reader._steps.push_back({aClass, none});
+namespace {
+
+/// Whether a caller may ask for values of these types, and for how many.
+bool describesValues(std::string_view types, std::size_t count) {
+    for (; count > 0; --count) {
+        const std::string_view type = KWFirstType(types);
+        if (type.empty() || (type != "@" && type != "*" && !KWLayoutOfType(type).isPlain))
+            return false;
+        types.remove_prefix(type.size());
     }
-    ~Level() { reader._steps.pop_back(); }
-    Level(const Level&) = delete;
-    Level& operator=(const Level&) = delete;
-    KWTypedStreamReader& reader;
-};
+    return types.empty();
+}
+
+} // namespace
 
 KWTypedStreamReader::KWTypedStreamReader(KWCoder& coder, std::span<const std::byte> bytes,
                                          KWUnarchivingOptions options, std::string file)
     : _coder(coder), _bytes(bytes), _options(options), _file(std::move(file)),
       _budget((std::uint64_t{1} << 26) + 64 * bytes.size()) {
     readHeader();
+}
+
+/// Types as messages show them; an archive may have made them as long as itself.
+std::string KWTypedStreamReader::shownTypes(std::string_view types) {
+    constexpr std::size_t longest = 40;
+    return "\"" + std::string(types.substr(0, longest)) + (types.size() > longest ? "...\"" : "\"");
 }
 
 std::int64_t KWTypedStreamReader::versionForClassName(std::string_view name) const {
@@ -63,6 +70,14 @@ void KWTypedStreamReader::damaged(std::string reason) const {
     fail(KWArchiveError::Kind::damaged, std::move(reason));
 }
 
+/// There is room for one more object, or one more struct or array of an unknown one, inside
+/// another.
+void KWTypedStreamReader::requireDepth() const {
+    if (_steps.size() + _innerDepth >= KWArchiveMaximumDepth)
+        fail(KWArchiveError::Kind::unsupported,
+             "objects are nested more than " + std::to_string(KWArchiveMaximumDepth) + " deep");
+}
+
 void KWTypedStreamReader::spend(std::uint64_t bytes) {
     if (bytes > _budget)
         fail(KWArchiveError::Kind::unsupported,
@@ -80,17 +95,6 @@ void KWTypedStreamReader::require(std::size_t count) const {
 std::int8_t KWTypedStreamReader::peekHead() const {
     require(1);
     return static_cast<std::int8_t>(_bytes[_place]);
-}
-
-template <class T>
-T KWTypedStreamReader::take() {
-    require(sizeof(T));
-    std::array<std::byte, sizeof(T)> bytes;
-    std::memcpy(bytes.data(), _bytes.data() + _place, sizeof(T));
-    _place += sizeof(T);
-    if (_isBigEndian)
-        std::ranges::reverse(bytes);
-    return std::bit_cast<T>(bytes);
 }
 
 void KWTypedStreamReader::readHeader() {
@@ -147,8 +151,10 @@ double KWTypedStreamReader::readReal(bool isSingle, float* exact) {
     return static_cast<double>(bits);
 }
 
+/// Nil reads as empty.
 std::string_view KWTypedStreamReader::readPlainString() {
-    const std::int64_t count = readInteger();
+    const auto head = take<std::int8_t>();
+    const std::int64_t count = head == nilHead ? 0 : integerAfter(head);
     if (count < 0 || static_cast<std::uint64_t>(count) > remaining())
         damaged("a string claims " + std::to_string(count) + " bytes, more than there are");
     const auto* first = reinterpret_cast<const char*>(_bytes.data() + _place);
@@ -185,8 +191,7 @@ void KWTypedStreamReader::expectType(std::string_view wanted) {
     if (found == wanted)
         return;
     _place = start;
-    damaged("expected a value of type \"" + std::string(wanted) + "\", found \"" +
-            std::string(found) + "\"");
+    damaged("expected a value of type " + shownTypes(wanted) + ", found " + shownTypes(found));
 }
 
 /// The label that a number names, which must have been made.
@@ -307,12 +312,15 @@ void KWTypedStreamReader::readOne(std::string_view type, void* address) {
 
 void KWTypedStreamReader::readValues(std::string_view types,
                                      std::initializer_list<void*> addresses) {
+    const bool isNumber = types.size() == 1 && addresses.size() == 1 &&
+                          (KWIsRealType(types[0]) || KWIsIntegerType(types[0]));
+    if (!isNumber && !describesValues(types, addresses.size()))
+        throw std::invalid_argument(shownTypes(types) + " does not describe the values asked for");
     const std::size_t start = _place;
     const std::string_view found = readType();
     if (!KWTypesAgree(found, types)) {
         _place = start;
-        damaged("expected a value of type \"" + std::string(types) + "\", found \"" +
-                std::string(found) + "\"");
+        damaged("expected a value of type " + shownTypes(types) + ", found " + shownTypes(found));
     }
     if (found != types) {
         // One number, written in another width.
@@ -332,9 +340,6 @@ void KWTypedStreamReader::readValues(std::string_view types,
     std::string_view rest = types;
     for (void* address : addresses) {
         const std::string_view type = KWFirstType(rest);
-        if (type.empty())
-            throw std::invalid_argument("more places than \"" + std::string(types) +
-                                        "\" describes");
         readOne(type, address);
         rest.remove_prefix(type.size());
     }
@@ -342,6 +347,8 @@ void KWTypedStreamReader::readValues(std::string_view types,
 
 void KWTypedStreamReader::readArrayValue(std::string_view type, std::size_t count, void* address) {
     const std::string array = "[" + std::to_string(count) + std::string(type) + "]";
+    if (KWFirstType(array) != array || !KWLayoutOfType(type).isPlain)
+        throw std::invalid_argument(shownTypes(array) + " does not describe the values asked for");
     expectType(array);
     readOne(array, address);
 }
@@ -383,9 +390,8 @@ void KWTypedStreamReader::readFields(std::vector<KWArchiveField>& items, std::st
     while (!types.empty()) {
         const std::string_view type = KWFirstType(types);
         if (type.empty())
-            damaged("\"" + std::string(types.substr(0, 40)) +
-                    "\" describes no value that is known");
-        spend(sizeof(KWArchiveField));
+            damaged(shownTypes(types) + " describes no value that is known");
+        spend(sizeof(KWArchiveField) + type.size()); // types are looked through each time
         items.push_back(readField(type));
         types.remove_prefix(type.size());
     }
@@ -400,6 +406,20 @@ KWArchiveField KWTypedStreamReader::readAnything() {
 }
 
 KWArchiveField KWTypedStreamReader::readField(std::string_view type) {
+    if (type[0] != '{' && type[0] != '[')
+        return readSimpleField(type);
+    const InnerLevel level(*this);
+    return type[0] == '{' ? readStructField(type) : readArrayField(type);
+}
+
+KWArchiveField KWTypedStreamReader::readStructField(std::string_view type) {
+    KWArchiveField field;
+    field.form = KWArchiveField::Form::list;
+    readFields(field.items, KWStructFields(type));
+    return field;
+}
+
+KWArchiveField KWTypedStreamReader::readSimpleField(std::string_view type) {
     KWArchiveField field;
     field.form = KWArchiveField::Form::inlined;
     const auto text = [&](const std::string_view* string) {
@@ -435,21 +455,19 @@ KWArchiveField KWTypedStreamReader::readField(std::string_view type) {
         }
         return field;
     }
-    case '{':
-        field.form = KWArchiveField::Form::list;
-        readFields(field.items, KWStructFields(type));
-        return field;
-    case '[':
-        break;
     default:
         field.value = readNumber(type[0]);
         return field;
     }
+}
+
+KWArchiveField KWTypedStreamReader::readArrayField(std::string_view type) {
+    KWArchiveField field;
+    field.form = KWArchiveField::Form::inlined;
     std::size_t count = 0;
     std::string_view element;
     if (!KWArrayType(type, count, element) || count > remaining())
-        damaged("\"" + std::string(type.substr(0, 40)) +
-                "\" claims more values than there are bytes");
+        damaged(shownTypes(type) + " claims more values than there are bytes");
     if (element == "c" || element == "C") {
         const auto bytes = _bytes.subspan(_place, count);
         _place += count;
@@ -511,6 +529,8 @@ std::uint32_t KWTypedStreamReader::readClass() {
             if (label.kind != Label::Kind::aClass)
                 damaged("a reference to something that is no class");
             aClass = label.index;
+            if (first != none && aClass >= first)
+                damaged("the class \"" + _classes[aClass].name + "\" is its own superclass");
         }
         if (previous == none)
             first = aClass;
@@ -585,6 +605,8 @@ KWArchiveValue KWTypedStreamReader::valueOfLabel(std::uint32_t index, bool weakl
         spend(label.index);
         const auto bytes = _bytes.subspan(label.bits, label.index);
         value = KWData(bytes.begin(), bytes.end());
+    } else if (label.kind == Label::Kind::record) {
+        damaged("a reference to a record, where none can be");
     } else {
         value = listValue(label);
     }
@@ -662,13 +684,15 @@ KWArchiveValue KWTypedStreamReader::readArray(bool isMutable) {
 }
 
 /// A C string that names the type, then that type and a value of it.
-KWNumber KWTypedStreamReader::readNumberContents() {
+KWNumber KWTypedStreamReader::readNumberContents(std::size_t* floatPlace) {
     expectType("*");
     const std::string_view* text = readCString();
     const char code = text && text->size() == 1 ? text->front() : '\0';
     if (!KWIsIntegerType(code) && !KWIsRealType(code))
-        damaged("\"" + std::string(text ? text->substr(0, 40) : "") + "\" is no type of a number");
+        damaged(shownTypes(text ? *text : "") + " is no type of a number");
     expectType({&code, 1});
+    if (floatPlace)
+        *floatPlace = code == 'f' ? _place : 0;
     return readNumber(code);
 }
 
@@ -680,10 +704,15 @@ KWArchiveValue KWTypedStreamReader::readKnown(const Class& aClass, Object& objec
     return made->initWithCoder(_coder) ? KWArchiveValue(made) : KWArchiveValue();
 }
 
-void KWTypedStreamReader::fillUnknown(KWUnknownObject& object, std::uint32_t aClass) const {
+void KWTypedStreamReader::fillUnknown(KWUnknownObject& object, std::uint32_t aClass) {
     std::vector<std::string> names;
     std::vector<std::int32_t> versions;
     for (; aClass != none; aClass = _classes[aClass].superclass) {
+        if (names.size() >= KWArchiveMaximumDepth)
+            fail(KWArchiveError::Kind::unsupported, "a class has more than " +
+                                                        std::to_string(KWArchiveMaximumDepth) +
+                                                        " superclasses");
+        spend(sizeof(std::string) + _classes[aClass].name.size());
         names.push_back(_classes[aClass].name);
         versions.push_back(_classes[aClass].version);
     }
@@ -693,9 +722,6 @@ void KWTypedStreamReader::fillUnknown(KWUnknownObject& object, std::uint32_t aCl
 
 KWArchiveValue KWTypedStreamReader::readUnknown(std::uint32_t aClass, Object& object) {
     const auto contents = std::make_shared<KWUnknownObject>();
-    std::uint64_t chain = 0;
-    for (std::uint32_t each = aClass; each != none; each = _classes[each].superclass)
-        spend(++chain > KWArchiveMaximumDepth ? ~std::uint64_t{0} : sizeof(std::string));
     fillUnknown(*contents, aClass);
     std::shared_ptr<KWObject> made = contents;
     for (std::uint32_t each = aClass; each != none && made == contents;
@@ -709,242 +735,4 @@ KWArchiveValue KWTypedStreamReader::readUnknown(std::uint32_t aClass, Object& ob
     contents->setFields(std::move(fields));
     return made == contents || made->initWithCoder(_coder) ? KWArchiveValue(made)
                                                            : KWArchiveValue();
-}
-
-// --- Lists without an object for each element.
-
-/// One element: something new, whose class is known by then, or something met before.
-template <class New, class Known>
-void KWTypedStreamReader::readElement(New readNew, Known readKnown) {
-    expectType("@");
-    const auto head = take<std::int8_t>();
-    if (head == nilHead)
-        damaged("a list element is nil");
-    if (head != newHead)
-        return readKnown(labelAfter(head));
-    const auto label = static_cast<std::uint32_t>(_labels.size());
-    _labels.push_back({Label::Kind::object, 0, none, 0});
-    const std::uint32_t aClass = readClass();
-    if (aClass == none)
-        damaged("an object without a class");
-    readNew(label, aClass);
-    endObject();
-}
-
-/// The list under the next "@": `element` reads each. False for nil.
-template <class Element>
-bool KWTypedStreamReader::readList(Element& element) {
-    expectType("@");
-    const auto head = take<std::int8_t>();
-    if (head == nilHead)
-        return false;
-    if (head != newHead) {
-        const std::uint32_t label = labelAfter(head);
-        if (_labels[label].kind == Label::Kind::list) {
-            const std::vector<std::uint32_t> elements = _lists[_labels[label].index];
-            spend(elements.size() * sizeof(KWArchiveValue));
-            element.begin(elements.size());
-            for (const std::uint32_t each : elements)
-                element.known(each);
-            return true;
-        }
-        const KWArchiveValue value = valueOfLabel(label, true);
-        if (!value.array())
-            damaged("expected an array, found " + value.kindName());
-        spend(value.array()->elements.size() * sizeof(KWArchiveValue));
-        element.begin(value.array()->elements.size());
-        for (const KWArchiveValue& each : value.array()->elements)
-            element.value(each);
-        return true;
-    }
-    const auto label = static_cast<std::uint32_t>(_labels.size());
-    _labels.push_back({Label::Kind::object, 0, none, 0});
-    const std::uint32_t aClass = readClass();
-    if (aClass == none)
-        damaged("an object without a class");
-    const Level level(*this, aClass);
-    if (_classes[aClass].cluster != Cluster::array &&
-        _classes[aClass].cluster != Cluster::mutableArray)
-        damaged("expected an array, found " + _classes[aClass].name);
-    std::int32_t count = 0;
-    readValues("i", {&count});
-    if (count < 0 || static_cast<std::size_t>(count) > remaining())
-        damaged("an array claims " + std::to_string(count) +
-                " elements, more than there are bytes");
-    std::vector<std::uint32_t> labels;
-    labels.reserve(static_cast<std::size_t>(count));
-    element.begin(static_cast<std::size_t>(count));
-    for (std::int32_t k = 0; k < count; ++k) {
-        _steps.back().index = static_cast<std::uint32_t>(k);
-        readElement(
-            [&](std::uint32_t elementLabel, std::uint32_t elementClass) {
-                labels.push_back(elementLabel);
-                element.added(elementLabel, elementClass);
-            },
-            [&](std::uint32_t known) {
-                labels.push_back(known);
-                element.known(known);
-            });
-    }
-    endObject();
-    const bool isMutable = _classes[aClass].cluster == Cluster::mutableArray;
-    _labels[label] = {Label::Kind::list, isMutable, static_cast<std::uint32_t>(_lists.size()), 0};
-    _lists.push_back(std::move(labels));
-    return true;
-}
-
-struct KWTypedStreamReader::Floats {
-    KWTypedStreamReader& reader;
-    std::vector<float>& list;
-
-    void begin(std::size_t count) { list.reserve(count); }
-    void added(std::uint32_t label, std::uint32_t aClass) {
-        if (reader._classes[aClass].cluster != Cluster::number)
-            reader.damaged("expected a number, found " + reader._classes[aClass].name);
-        const KWNumber number = reader.readNumberContents();
-        std::uint64_t bits = 0;
-        if (number.type() == KWNumber::Type::float32)
-            bits = std::bit_cast<std::uint32_t>(number.floatValue());
-        else if (number.type() == KWNumber::Type::float64)
-            bits = std::bit_cast<std::uint64_t>(number.doubleValue());
-        else
-            bits = static_cast<std::uint64_t>(number.int64Value());
-        reader._labels[label] = {Label::Kind::number, static_cast<char>(number.type()), none, bits};
-        list.push_back(number.floatValue());
-    }
-    void known(std::uint32_t label) { value(reader.valueOfLabel(label, true)); }
-    void value(const KWArchiveValue& element) {
-        if (!element.number())
-            reader.damaged("expected a number, found " + element.kindName());
-        list.push_back(element.number()->floatValue());
-    }
-};
-
-struct KWTypedStreamReader::Reals {
-    KWTypedStreamReader& reader;
-    std::vector<float>& list;
-    const KWRealClass& wanted;
-    std::uint32_t place; ///< of the class in _realClasses
-    std::uint32_t checked = none;
-
-    void begin(std::size_t count) { list.reserve(count); }
-    void added(std::uint32_t label, std::uint32_t aClass) {
-        if (aClass != checked) {
-            const Class& found = reader._classes[aClass];
-            if (!found.known || !found.known->isSubclassOfClass(wanted.aClass))
-                reader.damaged("expected " + std::string(wanted.aClass.name()) + ", found " +
-                               found.name);
-            checked = aClass;
-        }
-        float number = 0;
-        reader.readValues("f", {&number});
-        reader._labels[label] = {Label::Kind::real, 0, place, std::bit_cast<std::uint32_t>(number)};
-        list.push_back(number);
-    }
-    void known(std::uint32_t label) {
-        const Label& found = reader._labels[label];
-        if (found.kind == Label::Kind::real && found.index == place)
-            list.push_back(std::bit_cast<float>(static_cast<std::uint32_t>(found.bits)));
-        else
-            value(reader.valueOfLabel(label, true));
-    }
-    void value(const KWArchiveValue& element) {
-        const auto object = element.object();
-        if (!object || !object->isKindOfClass(wanted.aClass))
-            reader.damaged("expected " + std::string(wanted.aClass.name()) + ", found " +
-                           element.kindName());
-        list.push_back(wanted.unbox(*object));
-    }
-};
-
-/// Records are words of four bytes in the order of the machine that wrote them, unless the archive
-/// describes them as numbers.
-struct KWTypedStreamReader::Records {
-    KWTypedStreamReader& reader;
-    std::vector<std::byte>& list;
-    std::size_t size;
-    std::string type;
-
-    void begin(std::size_t count) {
-        list.reserve(std::min(count * size, reader.remaining() + size));
-    }
-    void added(std::uint32_t label, std::uint32_t aClass) {
-        const Class& found = reader._classes[aClass];
-        if (found.cluster != Cluster::data && found.cluster != Cluster::mutableData)
-            return addStruct(label, found);
-        std::int32_t count = 0;
-        reader.readValues("i", {&count});
-        if (count < 0 || static_cast<std::size_t>(count) > reader.remaining())
-            reader.damaged("data claims " + std::to_string(count) + " bytes, more than there are");
-        const bool isUsual = static_cast<std::size_t>(count) == size;
-        if (count > 0 || reader.peekHead() != endHead)
-            reader.expectType(isUsual ? type : "[" + std::to_string(count) + "c]");
-        reader.require(static_cast<std::size_t>(count));
-        reader._labels[label] = {Label::Kind::data, 0, static_cast<std::uint32_t>(count),
-                                 reader._place};
-        put(reader._bytes.subspan(reader._place, static_cast<std::size_t>(count)));
-        reader._place += static_cast<std::size_t>(count);
-    }
-    void addStruct(std::uint32_t label, const Class& found) {
-        constexpr std::size_t largest = 4096;
-        if (found.name != "NSValue")
-            reader.damaged("expected data, found " + found.name);
-        reader.expectType("*");
-        const std::string_view* text = reader.readCString();
-        const std::string described(text ? *text : "");
-        if (KWFirstType(described) != described || described.empty() ||
-            !KWLayoutOfType(described).isPlain || KWLayoutOfType(described).size > largest)
-            reader.damaged("\"" + described.substr(0, 40) + "\" is no type of a record");
-        reader.expectType(described);
-        KWData value(KWLayoutOfType(described).size);
-        reader.readOne(described, value.data());
-        reader._labels[label] = {Label::Kind::cString, 0, none, 0};
-        put(value, false);
-    }
-    void known(std::uint32_t label) {
-        const Label& found = reader._labels[label];
-        if (found.kind == Label::Kind::data)
-            put(reader._bytes.subspan(found.bits, found.index));
-        else
-            value(reader.valueOfLabel(label, true));
-    }
-    void value(const KWArchiveValue& element) {
-        if (!element.data())
-            reader.damaged("expected data, found " + element.kindName());
-        put(element.data()->bytes);
-    }
-    void put(std::span<const std::byte> bytes, bool isRaw = true) {
-        const std::size_t start = list.size();
-        const std::size_t count = std::min(bytes.size(), size);
-        reader.spend(size);
-        list.insert(list.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count));
-        list.resize(start + size);
-        if (isRaw && reader._isBigEndian)
-            for (std::size_t k = start; k + 4 <= list.size(); k += 4)
-                std::reverse(list.begin() + static_cast<std::ptrdiff_t>(k),
-                             list.begin() + static_cast<std::ptrdiff_t>(k + 4));
-    }
-};
-
-bool KWTypedStreamReader::readFloats(std::vector<float>& list) {
-    list.clear();
-    Floats floats{*this, list};
-    return readList(floats);
-}
-
-bool KWTypedStreamReader::readRealObjects(std::vector<float>& list, const KWRealClass& aClass) {
-    list.clear();
-    std::uint32_t place = 0;
-    while (place < _realClasses.size() && &_realClasses[place].aClass != &aClass.aClass)
-        ++place;
-    if (place == _realClasses.size())
-        _realClasses.push_back(aClass);
-    Reals reals{*this, list, aClass, place};
-    return readList(reals);
-}
-
-bool KWTypedStreamReader::readRecords(std::vector<std::byte>& list, std::size_t recordSize) {
-    list.clear();
-    Records records{*this, list, recordSize, "[" + std::to_string(recordSize) + "c]"};
-    return readList(records);
 }

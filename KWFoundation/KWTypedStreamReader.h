@@ -4,6 +4,10 @@
 #include <KWFoundation/KWUnarchiver.h>
 #include <KWFoundation/KWUnknownObject.h>
 
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
 #include <deque>
 #include <span>
 #include <string>
@@ -61,10 +65,19 @@ class KWTypedStreamReader {
 
     /// Something that a later number may refer to. Elements of lists are kept as little as will do.
     struct Label {
-        enum class Kind : std::uint8_t { object, aClass, cString, real, number, data, list };
+        enum class Kind : std::uint8_t {
+            object,
+            aClass,
+            cString,
+            real,
+            number,
+            data,
+            record,
+            list
+        };
         Kind kind;
         char code = 0;           ///< of a number: its type
-        std::uint32_t index = 0; ///< a place in _objects, _classes, _strings, _lists; data's length
+        std::uint32_t index = 0; ///< a place in the tables below; data's length
         std::uint64_t bits = 0;  ///< of a number or real; data's place in the stream
     };
 
@@ -79,18 +92,48 @@ class KWTypedStreamReader {
         std::uint32_t index;
     };
     /// One object inside another, for as long as it is being read.
-    struct Level;
+    struct Level {
+        Level(KWTypedStreamReader& owner, std::uint32_t aClass) : reader(owner) {
+            reader.requireDepth();
+            reader._steps.push_back({aClass, none});
+        }
+        ~Level() { reader._steps.pop_back(); }
+        Level(const Level&) = delete;
+        Level& operator=(const Level&) = delete;
+        KWTypedStreamReader& reader;
+    };
+    /// A struct or array inside an object of an unknown class.
+    struct InnerLevel {
+        explicit InnerLevel(KWTypedStreamReader& owner) : reader(owner) {
+            reader.requireDepth();
+            ++reader._innerDepth;
+        }
+        ~InnerLevel() { --reader._innerDepth; }
+        InnerLevel(const InnerLevel&) = delete;
+        InnerLevel& operator=(const InnerLevel&) = delete;
+        KWTypedStreamReader& reader;
+    };
 
     [[noreturn]] void fail(KWArchiveError::Kind kind, std::string reason) const;
     std::string path() const;
+    static std::string shownTypes(std::string_view types);
     void spend(std::uint64_t bytes);
+    void requireDepth() const;
 
     // Bytes, numbers, strings.
     std::size_t remaining() const { return _bytes.size() - _place; }
     void require(std::size_t count) const;
     std::int8_t peekHead() const;
     template <class T>
-    T take();
+    T take() {
+        require(sizeof(T));
+        std::array<std::byte, sizeof(T)> bytes;
+        std::memcpy(bytes.data(), _bytes.data() + _place, sizeof(T));
+        _place += sizeof(T);
+        if (_isBigEndian)
+            std::ranges::reverse(bytes);
+        return std::bit_cast<T>(bytes);
+    }
     void readHeader();
     std::int64_t readInteger();
     std::int64_t integerAfter(std::int8_t head);
@@ -107,6 +150,9 @@ class KWTypedStreamReader {
     void readNumber(char code, void* address);
     KWNumber readNumber(char code);
     KWArchiveField readField(std::string_view type);
+    KWArchiveField readSimpleField(std::string_view type);
+    KWArchiveField readStructField(std::string_view type);
+    KWArchiveField readArrayField(std::string_view type);
     void readFields(std::vector<KWArchiveField>& items, std::string_view types);
 
     // Objects.
@@ -119,8 +165,9 @@ class KWTypedStreamReader {
     KWArchiveValue readUnknown(std::uint32_t aClass, Object& object);
     KWArchiveValue readString(bool isMutable);
     KWArchiveValue readArray(bool isMutable);
-    KWNumber readNumberContents();
-    void fillUnknown(KWUnknownObject& object, std::uint32_t aClass) const;
+    /// Says where the value stands if it is a float.
+    KWNumber readNumberContents(std::size_t* floatPlace = nullptr);
+    void fillUnknown(KWUnknownObject& object, std::uint32_t aClass);
     void endObject();
 
     // Lists.
@@ -147,8 +194,12 @@ class KWTypedStreamReader {
     std::deque<Object> _objects;
     /// Lists that were read without objects, as the labels of their elements.
     std::vector<std::vector<std::uint32_t>> _lists;
+    /// Elements of such lists that an archive describes as numbers, as they lie in memory here.
+    std::vector<KWData> _records;
     /// The classes of elements that are real numbers.
     std::vector<KWRealClass> _realClasses;
     std::vector<Step> _steps;
+    /// Structs and arrays of an unknown object's contents, one inside the other.
+    std::size_t _innerDepth = 0;
     std::uint64_t _budget = 0;
 };

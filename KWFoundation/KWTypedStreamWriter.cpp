@@ -22,7 +22,8 @@ static_assert(std::endian::native == std::endian::little, "streams are written a
 std::int32_t wholeNumber(double value) {
     if (!(value < 2147483646.0) || value < -2147483646.0)
         return 0;
-    return static_cast<std::int32_t>(static_cast<float>(value));
+    const auto rounded = static_cast<float>(value);
+    return rounded < 2147483648.0F ? static_cast<std::int32_t>(rounded) : 0;
 }
 
 } // namespace
@@ -263,6 +264,13 @@ void KWTypedStreamWriter::writeConditionalValue(const std::shared_ptr<KWObject>&
 
 // --- Objects.
 
+/// There is room for one more object inside another.
+void KWTypedStreamWriter::requireDepth() const {
+    if (_depth >= KWArchiveMaximumDepth)
+        unsupported("objects are nested more than " + std::to_string(KWArchiveMaximumDepth) +
+                    " deep");
+}
+
 KWTypedStreamWriter::Chain KWTypedStreamWriter::chainOf(const KWClass& aClass) const {
     Chain chain;
     for (const KWClass* each = &aClass; each; each = each->superclass()) {
@@ -276,9 +284,12 @@ KWTypedStreamWriter::Chain KWTypedStreamWriter::chainOf(const KWClass& aClass) c
 void KWTypedStreamWriter::writeClass(const Chain& chain, std::size_t from) {
     for (std::size_t k = from; k < chain.size(); ++k) {
         const auto& [name, version] = chain[k];
-        const auto [known, isNew] = _classLabels.try_emplace(name, _nextLabel);
+        const auto [known, isNew] = _classes.try_emplace(name, WrittenClass{_nextLabel, version});
+        if (known->second.version != version)
+            unsupported("the archive would have the class \"" + name + "\" in two versions, " +
+                        std::to_string(known->second.version) + " and " + std::to_string(version));
         if (!isNew)
-            return writeInteger(known->second);
+            return writeInteger(known->second.label);
         newLabel();
         putHead(newHead);
         writeSharedString(name);
@@ -317,9 +328,8 @@ void KWTypedStreamWriter::writeObject(const KWArchiveValue& value) {
     }
     // Also what was made only to be written: its address must not come again.
     _alive.push_back(value);
-    if (++_depth > KWArchiveMaximumDepth)
-        unsupported("objects are nested more than " + std::to_string(KWArchiveMaximumDepth) +
-                    " deep");
+    requireDepth();
+    ++_depth;
     writeContents(value);
     --_depth;
 }
@@ -464,6 +474,7 @@ constexpr std::size_t elementsBeforePrefix = 2;
 template <class Begin, class Value>
 void KWTypedStreamWriter::writeList(std::size_t count, Begin begin, Value value) {
     static const Chain mutableArray{{"NSMutableArray", 0}, {"NSArray", 0}, {"NSObject", 0}};
+    requireDepth();
     if (_isFirstWalk)
         return;
     const auto number = static_cast<std::int32_t>(count);

@@ -37,6 +37,10 @@ class KWTypedStreamWriter {
   private:
     /// A class's name and version, then its superclasses'.
     using Chain = std::vector<std::pair<std::string, std::int32_t>>;
+    struct WrittenClass {
+        std::int64_t label;
+        std::int32_t version;
+    };
 
     void put(std::uint8_t byte) { _bytes.push_back(static_cast<std::byte>(byte)); }
     void putHead(std::int8_t head) { put(static_cast<std::uint8_t>(head)); }
@@ -53,6 +57,7 @@ class KWTypedStreamWriter {
 
     std::int64_t newLabel() { return _nextLabel++; }
     void writeClass(const Chain& chain, std::size_t from = 0);
+    void requireDepth() const;
     Chain chainOf(const KWClass& aClass) const;
     void writeObject(const KWArchiveValue& value);
     void beginObject(const Chain& chain);
@@ -68,7 +73,7 @@ class KWTypedStreamWriter {
     KWData _bytes;
     std::unordered_map<std::string, std::int64_t> _strings;
     std::unordered_map<std::string, std::int64_t> _cStringLabels;
-    std::unordered_map<std::string, std::int64_t> _classLabels;
+    std::unordered_map<std::string, WrittenClass> _classes;
     std::unordered_map<const void*, std::int64_t> _objectLabels;
     std::unordered_map<std::string, std::int32_t> _versions;
     /// Everything that has a label by its address stays alive, so that no address comes twice.

@@ -38,6 +38,12 @@ std::shared_ptr<KWObject> KWUnarchiver::unarchiveObjectWithData(std::span<const 
     return object;
 }
 
+std::shared_ptr<KWObject> KWUnarchiver::unarchiveObjectWithFile(const std::filesystem::path& path,
+                                                                Options options) {
+    const KWFileContents contents = KWFileContents::read(path);
+    return unarchiveObjectWithData(contents.bytes(), options, path.string());
+}
+
 bool KWUnarchiver::isBigEndian() const {
     return _reader->isBigEndian();
 }

@@ -35,6 +35,8 @@ class KW_EXPORT KWUnarchiver : public KWCoder {
     static std::shared_ptr<KWObject> unarchiveObjectWithData(std::span<const std::byte> bytes,
                                                              Options options = {},
                                                              std::string file = {});
+    static std::shared_ptr<KWObject> unarchiveObjectWithFile(const std::filesystem::path& path,
+                                                             Options options = {});
 
     /// Whether the archive was written on a big-endian machine.
     bool isBigEndian() const;
@@ -60,6 +62,7 @@ class KW_EXPORT KWUnarchiver : public KWCoder {
     bool decodeRealObjects(std::vector<float>& list, const KWRealClass& aClass) override;
     bool decodeRecords(std::vector<std::byte>& list, std::size_t recordSize) override;
 
+    /// For the initWithCoder of a class that reads what it cannot use; `key` names it, or is empty.
     [[noreturn]] void failDecoding(const std::string& reason, std::string_view key) const override;
 
   private:

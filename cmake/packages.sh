@@ -1,30 +1,52 @@
 # What ./run and ./test share: the packages that they need, and quiet builds. Read by bash.
 
-kw_packages=(
+# What builds the program.
+kw_build_packages=(
     cmake ninja-build g++ pkg-config
     libexpat1-dev libcli11-dev nlohmann-json3-dev
+)
+# What the tests, the benchmarks and the fuzzers need besides.
+kw_test_packages=(
     libgtest-dev libbenchmark-dev libplist-dev python3 locales
     clang libclang-rt-14-dev # for the fuzzers
 )
 
-# Prints the packages that are missing, one a line. On a system without dpkg: all of them.
+# kw_take_no_words TEXT WORD...: shows the text for --help, and refuses any other word.
+kw_take_no_words() {
+    local text=$1
+    shift
+    if [ $# -eq 0 ]; then
+        return
+    fi
+    case $1 in
+    -h | --help)
+        echo "$text"
+        exit 0
+        ;;
+    esac
+    echo "$0: \"$1\" is not understood; there is only --help" >&2
+    exit 2
+}
+
+# Prints those of the packages that are missing, one a line.
 kw_missing_packages() {
     local package state
-    for package in "${kw_packages[@]}"; do
+    for package in "$@"; do
         state=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) || state=none
         [ "$state" = installed ] || echo "$package"
     done
 }
 
-# Installs what is missing, or says what to install and goes on with what is there.
+# kw_install_packages PACKAGE...: installs those that are missing, or says what to install and goes on
+# with what is there.
 kw_install_packages() {
     if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         echo "This system has no apt-get. Please install what Debian calls:" >&2
-        echo "    ${kw_packages[*]}" >&2
+        echo "    $*" >&2
         return
     fi
     local missing
-    mapfile -t missing < <(kw_missing_packages)
+    mapfile -t missing < <(kw_missing_packages "$@")
     [ ${#missing[@]} -eq 0 ] && return
 
     local root=()
@@ -67,9 +89,12 @@ kw_build() {
         kw_quietly cmake --preset "$preset" || return
     fi
     local build=(cmake --build "$tree" -j "$(nproc 2>/dev/null || echo 2)" ${1:+--target "$@"})
-    # On a terminal ninja keeps to one line, which says how far it is.
+    # On a terminal ninja keeps to one line, which says how far it is; when there is nothing to do it
+    # would say so.
     if [ -t 1 ]; then
-        "${build[@]}"
+        if [[ $("${build[@]}" -- -n 2>/dev/null) != *"no work to do"* ]]; then
+            "${build[@]}"
+        fi
     else
         kw_quietly "${build[@]}" -- --quiet
     fi

@@ -14,13 +14,14 @@ int main() {
 
     auto lamp = std::make_shared<KWChannelArray>();
     lamp->addChannel(glow);
+    // 0.1 at every time, to be drawn in the colour of index 1, yellow.
     lamp->addChannel(channelWithNameInitialValueColor<KWConstantChannel>("hue", 0.1f, 1));
     KWKeyedArchiver::archiveRootObjectToFile(lamp, "lamp.plist");
 
-    auto saved = KWKeyedUnarchiver::unarchiveValueWithFile("lamp.plist").object();
-    auto channels = std::dynamic_pointer_cast<KWChannelArray>(saved)->channels();
+    auto saved = std::dynamic_pointer_cast<KWChannelArray>(
+        KWKeyedUnarchiver::unarchiveObjectWithFile("lamp.plist"));
     for (float time = 0; time <= 4; time += 1)
-        for (const auto& channel : *channels)
+        for (const auto& channel : saved->channelEnumerator())
             std::cout << time << " s: " << channel->name() << " is " << channel->valueForTime(time)
                       << '\n';
 }

@@ -139,7 +139,7 @@ KWDocument heavyDocument(int channelCount, int keyCount) {
 }
 
 std::vector<SampleDocument> sampleDocuments() {
-    constexpr auto binary = KWDocument::Format::binary;
+    constexpr auto binary = KWDocument::Form::binary;
     return {{"bouncing-ball.kwdoc", bouncingBall().data(binary)},
             {"light-show.kwdoc", lightShow().data(binary)},
             {"hard-curves-museum.kwdoc", hardCurvesMuseum().data(binary)},

@@ -18,7 +18,7 @@ int main(int argc, char** argv) {
     try {
         const std::filesystem::path folder = argv[1];
         if (isHeavy) {
-            heavyDocument(1000, 1000).save(folder / "heavy.kwdoc", KWDocument::Format::binary);
+            heavyDocument(1000, 1000).save(folder / "heavy.kwdoc", KWDocument::Form::binary);
             return 0;
         }
         for (const SampleDocument& sample : sampleDocuments())

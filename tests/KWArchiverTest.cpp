@@ -3,6 +3,7 @@
 #include "TestFiles.h"
 
 #include <KWFoundation/KWArchiver.h>
+#include <KWFoundation/KWUnarchiver.h>
 
 #include <gtest/gtest.h>
 
@@ -109,6 +110,9 @@ TEST(KWArchiver, WritesWholeRealsAsIntegers) {
     EXPECT_EQ(number("d", 16777217.0), text("83 0000001000007041"));
     EXPECT_EQ(number("f", 3.4e38F).substr(0, 1), text("83"));
     EXPECT_EQ(number("d", 2147483646.0), text("83 0000 80ff ffff df41"));
+    // As floats these are beyond the largest integer.
+    EXPECT_EQ(number("d", 2147483600.0), text("83 0000 00f4 ffff df41"));
+    EXPECT_EQ(number("d", -2147483600.0), text("83 0000 00f4 ffff dfc1"));
     EXPECT_EQ(number("d", static_cast<double>(NAN)).size(), 9u);
     EXPECT_EQ(number("f", std::numeric_limits<float>::infinity()), text("83 0000807f"));
 }
@@ -240,4 +244,60 @@ TEST(KWArchiver, DoesNotWriteWithKeys) {
     EXPECT_FALSE(archiver.allowsKeyedCoding());
     EXPECT_THROW(archiver.encodeInt32ForKey(1, "n"), std::logic_error);
     EXPECT_THROW(archiver.decodeObject(), std::logic_error);
+}
+
+TEST(KWArchiver, WhatIsMadeOnlyToBeArchivedIsNotTakenForSomethingElse) {
+    class Maker final : public KWObject {
+      public:
+        const KWClass& isa() const override {
+            static constinit KWClass theClass{"Maker", &KWObject::classObject, 0, nullptr};
+            return theClass;
+        }
+        void encodeWithCoder(KWCoder& coder) const override {
+            for (int k = 0; k < 100; ++k)
+                coder.encodeObject(std::to_string(k));
+        }
+    };
+    const KWData bytes = KWArchiver::archivedDataWithRootObject(std::make_shared<Maker>());
+    const auto back = std::dynamic_pointer_cast<KWUnknownObject>(
+        KWUnarchiver::unarchiveObjectWithData(bytes, {.keepsUnknownObjects = true}));
+    ASSERT_TRUE(back);
+    ASSERT_EQ(back->fields().size(), 100u);
+    for (std::size_t k = 0; k < 100; ++k)
+        EXPECT_EQ(back->fields()[k].items.at(0).value.string()->text, std::to_string(k));
+}
+
+TEST(KWArchiver, RefusesAClassInTwoVersions) {
+    const auto unknown = [](std::int32_t version) {
+        auto object = std::make_shared<KWUnknownObject>();
+        object->setClassChain({"Gadget", "NSObject"});
+        object->setClassVersions({version, 0});
+        return object;
+    };
+    EXPECT_NO_THROW(KWArchiver::archivedDataWithRootObject(
+        KWArchiveValue::mutableArray({unknown(1), unknown(1)})));
+    EXPECT_THROW(KWArchiver::archivedDataWithRootObject(
+                     KWArchiveValue::mutableArray({unknown(1), unknown(2)})),
+                 KWArchiveError);
+}
+
+TEST(KWArchiver, WritesNoListThatWouldNotBeReadForItsDepth) {
+    class Bottom final : public KWObject {
+      public:
+        const KWClass& isa() const override {
+            static constinit KWClass theClass{"Bottom", &KWObject::classObject, 0, nullptr};
+            return theClass;
+        }
+        void encodeWithCoder(KWCoder& coder) const override {
+            coder.encodeFloats(std::array<float, 2>{1, 2});
+        }
+    };
+    const auto nested = [](int depth) {
+        KWArchiveValue value(std::make_shared<Bottom>());
+        for (int k = 1; k < depth; ++k)
+            value = KWArchiveValue::immutableArray({value});
+        return KWArchiver::archivedDataWithRootObject(value);
+    };
+    EXPECT_NO_THROW(nested(999));
+    EXPECT_THROW(nested(1000), KWArchiveError);
 }

@@ -14,7 +14,7 @@ TEST_F(KWChannelCommand, AloneShowsItsHelp) {
 }
 
 TEST_F(KWChannelCommand, EachHelpShowsExamplesBeforeOptions) {
-    for (const char* command : {"info", "eval", "bake", "dump", "convert"}) {
+    for (const char* command : {"info", "eval", "bake", "dump", "convert", "validate"}) {
         const std::string help = output({command, "--help"});
         EXPECT_CONTAINS(help, std::string("  kwchannel ") + command + " ");
         EXPECT_CONTAINS(help, std::string("Usage: kwchannel ") + command);
@@ -34,14 +34,14 @@ TEST_F(KWChannelCommand, ItsManualAndCompletionNameEveryCommandAndOption) {
     const std::string completion = output({"--generate-completion", "bash"});
     EXPECT_TRUE(manual.starts_with(".TH KWCHANNEL 1")) << manual;
     EXPECT_LT(manual.find(".SH EXAMPLES"), manual.find(".SH OPTIONS"));
-    for (const char* word : {"info", "eval", "bake", "dump", "convert"}) {
+    for (const char* word : {"info", "eval", "bake", "dump", "convert", "validate"}) {
         EXPECT_CONTAINS(manual, std::string(".SS kwchannel ") + word);
         EXPECT_CONTAINS(completion, std::string("    ") + word + ") words=");
     }
     for (const char* option : {"--json", "--at", "--step", "--rate", "--objects", "--to"})
         EXPECT_CONTAINS(completion, option);
     EXPECT_CONTAINS(manual, "\\-\\-unit NAME");
-    EXPECT_CONTAINS(completion, "convert:--to) words=\"binary xml\"");
+    EXPECT_CONTAINS(completion, "convert:--to) words=\"binary xml sequential\"");
     EXPECT_FALSE(contains(manual, "generate"));
     EXPECT_FALSE(contains(completion, "generate"));
 }
@@ -366,7 +366,8 @@ TEST_F(KWChannelCommand, WhatCannotBeWrittenIsExitCodeThree) {
         {"eval", ball, "--at", "1"},
         {"bake", ball, "--from", "0", "--to", "1", "--rate", "1"},
         {"dump", ball},
-        {"convert", ball, "-o", "-"}};
+        {"convert", ball, "-o", "-"},
+        {"validate", irregular}};
     for (const auto& command : commands) {
         EXPECT_CONTAINS(failure(3, command, Stdout::full), "standard output");
         EXPECT_CONTAINS(failure(3, command, Stdout::closed), "standard output");
@@ -384,7 +385,8 @@ TEST_F(KWChannelCommand, WhatCannotBeReadIsExitCodeThree) {
             {"eval", file, "--at", "1"},
             {"bake", file, "--from", "0", "--to", "1", "--rate", "1"},
             {"dump", file},
-            {"convert", file, "-o", path("out")}};
+            {"convert", file, "-o", path("out")},
+            {"validate", file}};
         for (const auto& command : commands)
             EXPECT_CONTAINS(failure(3, command), file);
     }

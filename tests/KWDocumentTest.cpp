@@ -14,8 +14,8 @@ namespace {
 
 using Kind = KWArchiveError::Kind;
 using Number = ArchiveBuilder::Number;
-constexpr auto binary = KWDocument::Format::binary;
-constexpr auto xml = KWDocument::Format::xml;
+constexpr auto binary = KWDocument::Form::binary;
+constexpr auto xml = KWDocument::Form::xml;
 
 std::shared_ptr<KWElement>
 element(const std::string& name, const std::vector<std::pair<std::string, std::string>>& channels) {
@@ -165,7 +165,7 @@ TEST(KWDocument, ItsElementsComeBackInOrder) {
         document.addElement(element("Ball", {{"", "size"}, {"Position", "x"}, {"Position", "y"}}));
         document.addElement(element("Lamp", {{"", "level"}}));
         const KWDocument read = KWDocument::read(document.data(format), "it");
-        EXPECT_EQ(read.format(), format);
+        EXPECT_EQ(read.form(), format);
         EXPECT_EQ(read.file(), "it");
         EXPECT_EQ(elementNames(read), (Strings{"Ball", "Lamp"}));
         EXPECT_EQ(paths(read),

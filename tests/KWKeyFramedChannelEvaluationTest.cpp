@@ -371,13 +371,15 @@ TEST(KWKeyFramedChannelEvaluation, AMissingValueOrRecordIsOutOfRange) {
 
 TEST(KWKeyFramedChannelEvaluation, TheIndexPrecedingATimeCountsAKeyAtTheTime) {
     const auto channel = channelWithKeys({{0, 0}, {1, 0}, {2, 0}});
-    EXPECT_EQ(channel->keyframeIndexPrecedingTime(KWTime(-0.5f)), 0xffffffffu);
+    EXPECT_EQ(channel->keyframeIndexPrecedingTime(KWTime(-0.5f)), KWBeforeFirstKeyframe);
     EXPECT_EQ(channel->keyframeIndexPrecedingTime(KWTime(-0.0f)), 0u);
     EXPECT_EQ(channel->keyframeIndexPrecedingTime(KWTime(0.5f)), 0u);
     EXPECT_EQ(channel->keyframeIndexPrecedingTime(KWTime(1)), 1u);
     EXPECT_EQ(channel->keyframeIndexPrecedingTime(KWTime(9)), 2u);
     EXPECT_EQ(channel->keyframeIndexPrecedingTime(KWTime(kwNaN)), 2u);
-    EXPECT_EQ(channelWithKeys({})->keyframeIndexPrecedingTime(KWTime(0)), 0xfffffffeu);
+    EXPECT_EQ(channelWithKeys({})->keyframeIndexPrecedingTime(KWTime(0)), KWNoKeyframes);
+    EXPECT_EQ(KWBeforeFirstKeyframe, 0xffffffffu);
+    EXPECT_EQ(KWNoKeyframes, 0xfffffffeu);
 }
 
 TEST(KWKeyFramedChannelEvaluation, UnsortedKeysAreWalkedFromTheStart) {

@@ -562,6 +562,40 @@ TEST(KWKeyedUnarchiver, ARootOfAnotherKindIsNoObject) {
     }
 }
 
+TEST(KWKeyedUnarchiver, ReadsTheObjectOfAFileOrSaysWhyNot) {
+    const TemporaryFolder folder;
+    const auto path = folder.path() / "part.plist";
+    const auto read = [&](KWUnarchivingOptions options = {}) {
+        return KWKeyedUnarchiver::unarchiveObjectWithFile(path, options);
+    };
+    const auto expectFailure = [&](Kind kind, const std::string& reason) {
+        try {
+            read();
+            FAIL() << "read without an error";
+        } catch (const KWArchiveError& error) {
+            EXPECT_EQ(error.kind(), kind);
+            EXPECT_EQ(error.reason(), reason);
+            EXPECT_EQ(error.file(), path.string());
+        }
+    };
+    expectFailure(Kind::cannotRead, "No such file or directory");
+    for (const Format format : {Format::binary, Format::xml}) {
+        {
+            const Registration known(Part::classObject());
+            KWKeyedArchiver::archiveRootObjectToFile(std::make_shared<Part>("lid"), path, format);
+            const auto part = std::dynamic_pointer_cast<Part>(read());
+            ASSERT_TRUE(part);
+            EXPECT_EQ(part->name, "lid");
+        }
+        EXPECT_THROW(read(), KWArchiveError);
+        EXPECT_TRUE(std::dynamic_pointer_cast<KWUnknownObject>(read(keeping)));
+        KWKeyedArchiver::archiveRootObjectToFile("text", path, format);
+        expectFailure(Kind::damaged, "expected an object, found a string");
+        KWKeyedArchiver::archiveRootObjectToFile(nullptr, path, format);
+        expectFailure(Kind::damaged, "expected an object, found nil");
+    }
+}
+
 TEST(KWKeyedUnarchiver, NothingCutOrFlippedBreaksIt) {
     const Registration known(Part::classObject());
     const Registration moment(KWValueClass<Moment>::classObject());

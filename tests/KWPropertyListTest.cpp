@@ -203,6 +203,19 @@ TEST(KWPropertyList, XMLErrorsTellWhatAndWhere) {
                 Kind::damaged, "entities");
 }
 
+TEST(KWPropertyList, XMLThatIsCutShortSaysSo) {
+    const std::string text = xmlOf("<dict><key>caf\u00e9</key><array><true/></array></dict>");
+    for (std::size_t size = text.find("<plist"); size < text.size(); ++size)
+        expectError(text.substr(0, size), Kind::damaged, "; the file may be cut short");
+    const KWData bytes = dataOf(xmlOf("<array>"));
+    try {
+        KWPropertyList::parse(bytes);
+        FAIL();
+    } catch (const KWArchiveError& error) {
+        EXPECT_EQ(error.reason(), "mismatched tag");
+    }
+}
+
 TEST(KWPropertyList, AnXMLErrorNamesTheByte) {
     const std::string text = xmlOf("<array><true/><lamp/></array>");
     const KWData bytes = dataOf(text);
@@ -306,10 +319,12 @@ TEST(KWPropertyList, BinaryErrorsTellWhatAndWhere) {
     };
     expectError(good.substr(0, 39), Kind::damaged, "ends before");
     expectError(with(7, '1'), Kind::unsupported, "unknown version");
-    expectError(with(good.size() - 26, 0), Kind::damaged, "between 1 and 8");
+    expectError(with(good.size() - 26, 0), Kind::damaged,
+                "not between 1 and 8; the file may be cut short");
     expectError(with(good.size() - 17, 9), Kind::damaged, "more objects than the offset table");
     expectError(with(good.size() - 9, 3), Kind::damaged, "top object");
-    expectError(with(good.size() - 1, 7), Kind::damaged, "outside the file");
+    expectError(with(good.size() - 1, 7), Kind::damaged,
+                "outside the file; the file may be cut short");
     expectError(with(9, 3), Kind::damaged, "a reference to object 3 of 3");
     expectError(with(9, 2), Kind::damaged, "key is not a string");
     expectError(with(11, '\x5e'), Kind::damaged, "more bytes than the file holds");

@@ -353,6 +353,40 @@ TEST(KWUnarchiver, UnknownObjectsOfEveryTypeAreWrittenBackUnchanged) {
     EXPECT_THROW(KWKeyedArchiver::archivedDataWithRootObject(root), KWArchiveError);
 }
 
+TEST(KWUnarchiver, ReadsTheObjectOfAFileOrSaysWhyNot) {
+    const TemporaryFolder folder;
+    const auto path = folder.path() / "knot.stream";
+    const auto read = [&](KWUnarchivingOptions options = {}) {
+        return KWUnarchiver::unarchiveObjectWithFile(path, options);
+    };
+    const auto expectFailure = [&](Kind kind, const std::string& reason) {
+        try {
+            read();
+            FAIL() << "read without an error";
+        } catch (const KWArchiveError& error) {
+            EXPECT_EQ(error.kind(), kind);
+            EXPECT_EQ(error.reason(), reason);
+            EXPECT_EQ(error.file(), path.string());
+        }
+    };
+    expectFailure(Kind::cannotRead, "No such file or directory");
+    {
+        const Registration known(Knot::classObject());
+        const auto knot = std::make_shared<Knot>();
+        knot->name = "bowline";
+        KWArchiver::archiveRootObjectToFile(knot, path);
+        const auto again = std::dynamic_pointer_cast<Knot>(read());
+        ASSERT_TRUE(again);
+        EXPECT_EQ(again->name, "bowline");
+    }
+    EXPECT_THROW(read(), KWArchiveError);
+    EXPECT_TRUE(std::dynamic_pointer_cast<KWUnknownObject>(read(keeping)));
+    KWArchiver::archiveRootObjectToFile("text", path);
+    expectFailure(Kind::damaged, "expected an object, found a string");
+    KWArchiver::archiveRootObjectToFile(nullptr, path);
+    expectFailure(Kind::damaged, "expected an object, found nil");
+}
+
 TEST(KWUnarchiver, RefusesAHeaderThatIsNone) {
     expectError({}, Kind::damaged, "empty");
     expectError(dataOf("bplist00"), Kind::damaged, "does not start as one");

@@ -1,8 +1,11 @@
 #include "ChannelTestSupport.h"
+#include "SequentialBytes.h"
 
 #include <KWBase/KWChannelArray.h>
 #include <KWBase/KWConstantChannel.h>
 #include <KWBase/KWUnknownChannel.h>
+#include <KWFoundation/KWArchiver.h>
+#include <KWFoundation/KWUnarchiver.h>
 
 #include <gtest/gtest.h>
 
@@ -68,6 +71,35 @@ KWArchiveField reference(std::string key, KWArchiveValue value) {
 
 KWArchiveField inlined(std::string key, KWArchiveValue value) {
     return {std::move(key), KWArchiveField::Form::inlined, std::move(value), {}};
+}
+
+/// A group that holds a channel of the host's kind, as of a version of KWChannel. The host's own
+/// part is a real.
+std::string stream(int version) {
+    return "84 01 \"@\" 84 84 84 0e \"KWChannelGroup\" 00 84 84 08 \"NSObject\" 00 85"
+           "92 84 84 84 08 \"NSString\" 01 94 84 01 \"+\" 01 \"g\" 86"
+           "92 84 84 84 0e \"NSMutableArray\" 00 84 84 07 \"NSArray\" 00 94 84 01 \"i\" 01"
+           "92 84 84 84 08 \"TSTNoise\" 03 84 84 09 \"KWChannel\" 0" +
+           std::to_string(version) + "94 92 84 96 96 05 \"noise\" 86 99 81 <012c>" +
+           (version >= 1 ? "92 92 " : "") + (version >= 2 ? "99 01 " : "") +
+           "84 01 \"f\" 83 <3e800000> 86 86 86";
+}
+
+std::shared_ptr<KWChannelGroup> readStream(const KWData& bytes) {
+    return std::dynamic_pointer_cast<KWChannelGroup>(
+        KWUnarchiver::unarchiveObjectWithData(bytes, keep));
+}
+
+std::shared_ptr<KWUnknownObject> sequentialContents(std::vector<KWArchiveField> calls,
+                                                    std::int32_t version = 2) {
+    auto object = contents(std::move(calls));
+    object->setClassVersions({3, version, 0});
+    return object;
+}
+
+/// What one call wrote.
+KWArchiveField call(std::string types, std::vector<KWArchiveField> items) {
+    return {std::move(types), KWArchiveField::Form::list, {}, std::move(items)};
 }
 
 } // namespace
@@ -193,4 +225,81 @@ TEST(KWUnknownChannel, SitsInListsAsAnyChannel) {
     EXPECT_TRUE(array->replaceChannelWith(noise, fresh));
     EXPECT_EQ(noise->channelGroup(), nullptr);
     EXPECT_EQ(array->channelAtIndexInGroup(0, 0), fresh);
+}
+
+TEST(KWUnknownChannel, TakesTheChannelsPartOfASequentialArchiveByPlaceAndVersion) {
+    for (const int version : {0, 1, 2}) {
+        for (const bool bigEndian : {false, true}) {
+            const auto group = readStream(sequentialStream(stream(version), bigEndian));
+            ASSERT_NE(group, nullptr);
+            ASSERT_EQ(group->count(), 1U);
+            const auto noise =
+                std::dynamic_pointer_cast<KWUnknownChannel>(group->channels()->front());
+            ASSERT_NE(noise, nullptr);
+            EXPECT_EQ(noise->className(), "TSTNoise");
+            EXPECT_EQ(noise->name(), "noise");
+            EXPECT_EQ(noise->channelColorIndex(), 300);
+            EXPECT_EQ(noise->channelGroup(), version >= 1 ? group : nullptr);
+            EXPECT_EQ(noise->unitType(), version >= 2 ? KWUnitTypeAngle : KWUnitTypeNone);
+            EXPECT_EQ(noise->owner(), nullptr);
+        }
+    }
+    EXPECT_THROW(KWUnarchiver::unarchiveObjectWithData(sequentialStream(stream(2), false)),
+                 KWArchiveError);
+}
+
+TEST(KWUnknownChannel, IsWrittenBackToASequentialArchiveAsItCame) {
+    for (const int version : {0, 1, 2}) {
+        const KWData bytes = sequentialStream(stream(version), false);
+        const auto group = readStream(bytes);
+        ASSERT_NE(group, nullptr);
+        group->channels()->front()->setName("renamed");
+        KWArchiver archiver;
+        archiver.encodeRootObject(group);
+        EXPECT_EQ(archiver.archiverData(), bytes);
+    }
+}
+
+TEST(KWUnknownChannel, IsNotWrittenBesideChannelsOfAnotherVersion) {
+    const auto group = readStream(sequentialStream(stream(1), false));
+    ASSERT_NE(group, nullptr);
+    group->addChannel(std::make_shared<KWConstantChannel>());
+    try {
+        KWArchiver::archivedDataWithRootObject(group);
+        FAIL() << "written without an error";
+    } catch (const KWArchiveError& error) {
+        EXPECT_EQ(error.reason(),
+                  "the archive would have the class \"KWChannel\" in two versions, 1 and 2");
+    }
+    KWArchiver older;
+    older.setVersionForClassName(1, "KWChannel");
+    older.encodeRootObject(group);
+    const auto back = readStream(older.archiverData());
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(back->count(), 2U);
+}
+
+TEST(KWUnknownChannel, PassesOverWhatIsOfAnotherKindInASequentialArchive) {
+    const auto text = reference("", "text");
+    const auto five = inlined("", KWNumber(std::int32_t{5}));
+    const KWUnknownChannel swapped(
+        sequentialContents({call("i", {five}), call("@", {text}), call("i", {five}),
+                            call("@", {text}), call("@", {text})}));
+    EXPECT_EQ(swapped.name(), "no name");
+    EXPECT_EQ(swapped.channelColorIndex(), 0);
+    EXPECT_EQ(swapped.channelGroup(), nullptr);
+    EXPECT_EQ(swapped.unitType(), KWUnitTypeNone);
+    const KWUnknownChannel grouped(
+        sequentialContents({call("@i", {text, five}), call("i", {five})}));
+    EXPECT_EQ(grouped.name(), "no name");
+    EXPECT_EQ(grouped.channelColorIndex(), 5);
+    const KWUnknownChannel noText(sequentialContents({call("@", {reference("", nullptr)})}));
+    EXPECT_EQ(noText.name(), "no name");
+    const KWUnknownChannel old(sequentialContents(
+        {call("@", {text}), call("i", {five}), call("@", {text}), call("i", {five})}, 0));
+    EXPECT_EQ(old.name(), "text");
+    EXPECT_EQ(old.unitType(), KWUnitTypeNone);
+    // Keys mean nothing where there are none.
+    const KWUnknownChannel keyed(sequentialContents({reference("name", "text")}));
+    EXPECT_EQ(keyed.name(), "no name");
 }

@@ -2,7 +2,7 @@
 #include <KWFoundation/KWFile.h>
 #include <KWFoundation/KWKeyedArchiver.h>
 #include <KWFoundation/KWKeyedUnarchiver.h>
-#include <KWFoundation/KWUnknownObject.h>
+#include <KWFoundation/KWUnarchiver.h>
 
 #include <apps/common/KWDocument.h>
 #include <apps/common/KWPropertyListCopy.h>
@@ -94,14 +94,17 @@ KWDocument KWDocument::read(std::span<const std::byte> bytes, std::string file) 
     KWDocument document;
     document._file = file;
     document._tops.clear();
-    document.readTops(KWPropertyList::parse(bytes, std::move(file)));
+    if (KWUnarchiver::isArchive(bytes))
+        document.readStream(bytes);
+    else
+        document.readTops(KWPropertyList::parse(bytes, std::move(file)));
     document.findElements();
     return document;
 }
 
 void KWDocument::readTops(KWPropertyList list) {
     using Index = KWPropertyList::Index;
-    _format = list.format();
+    _form = list.format() == KWPropertyList::Format::xml ? Form::xml : Form::binary;
 
     std::vector<std::string> references;
     std::vector<Index> inlinedKeys, inlinedValues;
@@ -147,6 +150,7 @@ void KWDocument::findElements() {
         std::vector<KWArchiveValue> values;
         for (const Top& top : _tops)
             values.push_back(top.value);
+        pushFieldValues(_furtherValues, values);
         return KWArchiveValue::immutableArray(std::move(values));
     }();
     collect(everything);
@@ -188,13 +192,23 @@ void KWDocument::addHolder(const std::shared_ptr<KWObject>& object) {
         return;
 
     std::vector<std::pair<std::string, std::shared_ptr<KWChannelArray>>> arrays;
-    for (const KWArchiveField& field : contents->fields())
-        if (auto array = std::dynamic_pointer_cast<KWChannelArray>(field.value.object()))
-            arrays.emplace_back(field.key, std::move(array));
+    const auto addArray = [&arrays](const std::string& key, const KWArchiveValue& value) {
+        if (auto array = std::dynamic_pointer_cast<KWChannelArray>(value.object()))
+            arrays.emplace_back(key, std::move(array));
+    };
+    for (const KWArchiveField& field : contents->fields()) {
+        // Without keys each field is what one call wrote: some values of some types.
+        if (!contents->isSequential())
+            addArray(field.key, field.value);
+        for (const KWArchiveField& item : field.items)
+            if (contents->isSequential())
+                addArray({}, item.value);
+    }
     const std::string name = nameOf(*contents);
     for (auto& [key, array] : arrays) {
         // Several arrays of one object are told apart by their keys.
-        const std::string suffix = arrays.size() > 1 ? (name.empty() ? key : "." + key) : "";
+        const std::string suffix =
+            arrays.size() > 1 ? (name.empty() || key.empty() ? key : "." + key) : "";
         _elements.push_back(
             {name + suffix, kwClassName(*object), object, std::move(array), nullptr, nullptr});
     }
@@ -216,21 +230,51 @@ void KWDocument::addElement(const std::shared_ptr<KWElement>& element) {
     findElements();
 }
 
-KWData KWDocument::data(Format format) const {
+std::vector<std::string> KWDocument::inlinedKeys() const {
+    std::vector<std::string> keys;
+    if (_inlined.root() == KWPropertyList::none)
+        return keys;
+    const auto children = _inlined.children(_inlined.root());
+    for (const KWPropertyList::Index key : children.first(children.size() / 2))
+        keys.push_back(unescaped(_inlined.stringValue(key)));
+    return keys;
+}
+
+KWData KWDocument::data(Form form, const KWClassVersions& versions) const {
     try {
-        KWKeyedArchiver archiver;
-        for (const Top& top : _tops)
-            archiver.encodeObjectForKey(top.value, top.key);
-        KWPropertyList list = archiver.finishPropertyList();
-        if (_inlined.root() != KWPropertyList::none)
-            list = withInlinedTops(std::move(list), _inlined);
-        return list.data(format);
+        switch (form) {
+        case Form::binary:
+            return keyedData(KWPropertyList::Format::binary);
+        case Form::xml:
+            return keyedData(KWPropertyList::Format::xml);
+        case Form::sequential:
+            break;
+        }
+        return sequentialData(versions);
     } catch (const KWException& error) {
-        throw KWArchiveError(KWArchiveError::Kind::unsupported, _file, std::nullopt, {},
-                             error.what());
+        cannotBeWritten(error.what());
+    } catch (const KWArchiveError& error) {
+        // The archivers do not know which document they write.
+        if (!error.file().empty())
+            throw;
+        throw KWArchiveError(error.kind(), _file, error.offset(), error.keyPath(), error.reason());
     }
 }
 
-void KWDocument::save(const std::filesystem::path& path, Format format) const {
-    KWWriteFileAtomically(path, data(format));
+KWData KWDocument::keyedData(KWPropertyList::Format format) const {
+    KWKeyedArchiver archiver;
+    for (const Top& top : _tops)
+        archiver.encodeObjectForKey(top.value, top.key);
+    KWPropertyList list = archiver.finishPropertyList();
+    if (_inlined.root() != KWPropertyList::none)
+        list = withInlinedTops(std::move(list), _inlined);
+    return list.data(format);
+}
+
+void KWDocument::cannotBeWritten(const std::string& reason) const {
+    throw KWArchiveError(KWArchiveError::Kind::unsupported, _file, std::nullopt, {}, reason);
+}
+
+void KWDocument::save(const std::filesystem::path& path, Form form) const {
+    KWWriteFileAtomically(path, data(form));
 }

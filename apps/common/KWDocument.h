@@ -1,10 +1,13 @@
 #pragma once
 
 #include <KWFoundation/KWPropertyList.h>
+#include <KWFoundation/KWUnknownObject.h>
 
 #include <apps/common/KWElement.h>
 
+#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -24,16 +27,24 @@ class KWAddressError : public std::runtime_error {
     std::vector<std::string> _candidates;
 };
 
-/// A document of channels: a keyed archive whose root is a list of elements, or any other keyed
-/// archive that has channels somewhere. Objects of classes that are not known here are kept and
-/// written back as they came, and so is everything else the archive holds.
+/// Versions to write classes as, by their names, for programs that know no newer ones.
+using KWClassVersions = std::map<std::string, std::int32_t, std::less<>>;
+
+/// A document of channels: an archive whose root is a list of elements, or any other archive that
+/// has channels somewhere. Objects of classes that are not known here are kept and written back as
+/// they came, and so is everything else the archive holds.
+///
+/// The root of a sequential archive is its first value, which must be an object. Further values
+/// behind it are kept.
 ///
 /// The elements are the KWElements and the objects of unknown classes that hold a KWChannelArray
 /// directly; an array, group or channel that is the root, or stands in a list that is the root, is
 /// an element of its own.
 class KWDocument {
   public:
-    using Format = KWPropertyList::Format;
+    /// How a document lies in a file: as a keyed archive, in one of the two forms of property
+    /// lists, or as a sequential archive.
+    enum class Form : std::uint8_t { binary, xml, sequential };
 
     /// Exactly one of the array, the group and the channel is there, or none of them in a KWElement
     /// that came without an array.
@@ -65,7 +76,7 @@ class KWDocument {
     static KWDocument read(std::span<const std::byte> bytes, std::string file = {});
 
     /// The form that was read; binary for a new document.
-    Format format() const { return _format; }
+    Form form() const { return _form; }
     /// The file that was read, as it was given; "" for none.
     const std::string& file() const { return _file; }
 
@@ -87,20 +98,46 @@ class KWDocument {
     /// the address, be that one part or several. Throws KWAddressError.
     static const Place& placeAt(const std::vector<Place>& places, std::string_view address);
 
-    /// The whole document as an archive. Raises KWArchiveError (unsupported) when something in it
-    /// cannot be archived, such as a channel with more keys than values.
-    KWData data(Format format) const;
-
-    /// Writes data() into a file, whole or not at all. Raises KWArchiveError.
-    void save(const std::filesystem::path& path, Format format) const;
-
-  private:
+    /// A value at the top of the archive, and its key; the one of a sequential archive has the key
+    /// "root".
     struct Top {
         std::string key;
         KWArchiveValue value;
     };
+    /// What the archive holds by reference, in order: mostly a root alone.
+    const std::vector<Top>& tops() const { return _tops; }
+    /// The keys of what a keyed archive holds at its top in itself, such as numbers.
+    std::vector<std::string> inlinedKeys() const;
+    /// What a sequential archive holds behind its root: types in the keys, values in the items.
+    const std::vector<KWArchiveField>& furtherValues() const { return _furtherValues; }
 
+    /// The whole document as an archive, in the form it was read in when none is given. What a form
+    /// cannot carry is not in it; kwConversionLosses() tells what that is. `versions` are for a
+    /// sequential archive.
+    ///
+    /// Raises KWArchiveError (unsupported) when something cannot be archived at all: a channel with
+    /// more keys than values, an object of an unknown class from an archive of the other kind, or
+    /// further values of other types than objects, numbers, strings and bytes.
+    KWData data(Form form, const KWClassVersions& versions = {}) const;
+    KWData data() const { return data(_form); }
+
+    /// Writes data() into a file, whole or not at all. Raises KWArchiveError.
+    void save(const std::filesystem::path& path, Form form) const;
+    void save(const std::filesystem::path& path) const { save(path, _form); }
+
+    /// The versions that a sequential archive of this document has classes written as; the newest
+    /// for those that are not named. They are the ones asked for, and the ones that objects of
+    /// unknown classes have their known superclasses' parts in, since a class has one version in an
+    /// archive.
+    /// KWArchiveError (unsupported) when these contradict each other.
+    KWClassVersions writtenVersions(const KWClassVersions& wanted = {}) const;
+
+  private:
     void readTops(KWPropertyList list);
+    void readStream(std::span<const std::byte> bytes);
+    KWData keyedData(KWPropertyList::Format format) const;
+    KWData sequentialData(const KWClassVersions& versions) const;
+    [[noreturn]] void cannotBeWritten(const std::string& reason) const;
     void findElements();
     void collect(const KWArchiveValue& root);
     void addHolder(const std::shared_ptr<KWObject>& object);
@@ -109,9 +146,10 @@ class KWDocument {
     std::vector<Top> _tops;
     /// What stands at the top itself, as one dictionary; no root when there is none.
     KWPropertyList _inlined;
+    std::vector<KWArchiveField> _furtherValues;
     std::vector<Element> _elements;
     std::shared_ptr<KWUndoManager> _undoManager;
-    Format _format = Format::binary;
+    Form _form = Form::binary;
     std::string _file;
 };
 

@@ -52,6 +52,25 @@ KWDocument openDocument(const std::string& path) {
     return KWDocument::open(inputPath(path));
 }
 
+std::string formName(KWDocument::Form form) {
+    switch (form) {
+    case KWDocument::Form::xml:
+        return "xml";
+    case KWDocument::Form::sequential:
+        return "sequential";
+    case KWDocument::Form::binary:
+        break;
+    }
+    return "binary";
+}
+
+KWDocument::Form formNamed(std::string_view name) {
+    for (const auto form : {KWDocument::Form::xml, KWDocument::Form::sequential})
+        if (formName(form) == name)
+            return form;
+    return KWDocument::Form::binary;
+}
+
 std::vector<Place> channelsToEvaluate(const KWDocument& document,
                                       const std::vector<std::string>& addresses) {
     std::vector<Place> all = document.channels();

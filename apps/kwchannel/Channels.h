@@ -14,6 +14,10 @@ KWDocument openDocument(const std::string& path);
 /// The name that KWFileContents reads a document argument under.
 std::string inputPath(const std::string& argument);
 
+/// "binary", "xml" or "sequential", as options and JSON spell it; binary for any other name.
+std::string formName(KWDocument::Form form);
+KWDocument::Form formNamed(std::string_view name);
+
 /// The channels that the addresses name, in that order; all of the document's for no addresses,
 /// less those of unknown kinds, of which a warning tells. KWAddressError for an address, DataError
 /// when one of the channels cannot be evaluated.

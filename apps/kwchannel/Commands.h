@@ -12,6 +12,7 @@ void addEvalCommand(CLI::App& program);
 void addBakeCommand(CLI::App& program);
 void addDumpCommand(CLI::App& program);
 void addConvertCommand(CLI::App& program);
+void addValidateCommand(CLI::App& program);
 
 /// The whole program, ready to parse.
 void declareProgram(CLI::App& program);

@@ -1,31 +1,99 @@
 #include <KWFoundation/KWFile.h>
 #include <KWFoundation/KWPropertyList.h>
 
+#include <apps/common/KWConversionLosses.h>
 #include <apps/kwchannel/Channels.h>
 #include <apps/kwchannel/Commands.h>
+#include <apps/kwchannel/Errors.h>
 #include <apps/kwchannel/Output.h>
+#include <apps/kwchannel/Text.h>
+
+#include <charconv>
 
 namespace {
+
+using Form = KWDocument::Form;
 
 struct ConvertArguments {
     std::string document;
     std::string output;
-    std::string format;
+    std::string form;
+    std::vector<std::string> versions;
+    bool isLossy = false;
 };
 
-KWPropertyList::Format formatOf(const ConvertArguments& arguments) {
-    const bool isXML =
-        arguments.format.empty() ? arguments.output.ends_with(".xml") : arguments.format == "xml";
-    return isXML ? KWPropertyList::Format::xml : KWPropertyList::Format::binary;
+Form formOf(const ConvertArguments& arguments) {
+    if (arguments.form.empty())
+        return arguments.output.ends_with(".xml") ? Form::xml : Form::binary;
+    return formNamed(arguments.form);
+}
+
+KWClassVersions versionsOf(const ConvertArguments& arguments) {
+    KWClassVersions versions;
+    for (const std::string& text : arguments.versions) {
+        const std::size_t mark = text.find('=');
+        const std::string name = text.substr(0, mark);
+        std::int32_t version = -1;
+        if (mark != std::string::npos) {
+            const char* const end = text.data() + text.size();
+            const auto [rest, error] = std::from_chars(text.data() + mark + 1, end, version);
+            if (error != std::errc() || rest != end)
+                version = -1;
+        }
+        if (version < 0)
+            throw UseError("--class-version needs a class and its version, such as KWChannel=1, "
+                           "not " +
+                           inQuotes(text));
+        const KWClass* const known = KWClassNamed(name);
+        if (!known)
+            throw UseError("there is no class " + inQuotes(name));
+        if (version > known->version())
+            throw UseError("the newest version of " + name + " is " +
+                           std::to_string(known->version()));
+        versions[name] = version;
+    }
+    if (!versions.empty() && formOf(arguments) != Form::sequential)
+        throw UseError("--class-version needs --to sequential: keyed archives hold no versions");
+    return versions;
+}
+
+/// Tells what the form cannot carry. DataError when that keeps the document from being written.
+void tellLosses(const KWDocument& document, Form form, const KWClassVersions& versions,
+                bool isLossy) {
+    const KWConversionLosses found = kwConversionLosses(document, form, versions);
+    const std::string file = printable(document.file()) + ": ";
+    for (const std::string& line : found.refusals)
+        complain(file + "cannot be written: " + printable(line));
+    for (const std::string& line : found.losses)
+        complain(file + (isLossy ? "lost: " : "would be lost: ") + printable(line));
+    if (!found.refusals.empty())
+        throw DataError(document.file() + ": not converted, as it holds what a " +
+                        (form == Form::sequential ? "sequential" : "keyed") +
+                        " archive cannot hold");
+    if (!found.losses.empty() && !isLossy)
+        throw DataError(document.file() + ": not converted, as " +
+                        counted(found.losses.size(), "thing") +
+                        " would be lost; --lossy converts all the same");
 }
 
 void runConvert(const ConvertArguments& arguments) {
+    kwRegisterElementClass();
+    const Form form = formOf(arguments);
+    const KWClassVersions versions = versionsOf(arguments);
     const KWFileContents contents = KWFileContents::read(inputPath(arguments.document));
-    // Only what opens is converted. What is converted is the archive as it is stored, not the
-    // objects, so that nothing changes but the form.
-    KWDocument::read(contents.bytes(), arguments.document);
-    const KWPropertyList list = KWPropertyList::parse(contents.bytes(), arguments.document);
-    const KWData data = list.data(formatOf(arguments));
+    // Only what opens is converted.
+    const KWDocument document = KWDocument::read(contents.bytes(), arguments.document);
+    KWData data;
+    if (form != Form::sequential && document.form() != Form::sequential) {
+        // From one keyed form into the other goes the archive as it is stored, not the objects, so
+        // that nothing changes but the form.
+        data = KWPropertyList::parse(contents.bytes(), arguments.document)
+                   .data(form == Form::xml ? KWPropertyList::Format::xml
+                                           : KWPropertyList::Format::binary);
+    } else {
+        tellLosses(document, form, versions, arguments.isLossy);
+        data = document.data(form, versions);
+    }
 
     Output output(arguments.output);
     output.write({reinterpret_cast<const char*>(data.data()), data.size()});
@@ -35,8 +103,8 @@ void runConvert(const ConvertArguments& arguments) {
 } // namespace
 
 void addConvertCommand(CLI::App& program) {
-    CLI::App* command =
-        program.add_subcommand("convert", "Writes a document in the binary or the XML form");
+    CLI::App* command = program.add_subcommand(
+        "convert", "Writes a document in another form: binary, XML or sequential");
     const auto arguments = std::make_shared<ConvertArguments>();
     command->add_option("DOC", arguments->document, "the document; - is standard input")
         ->required();
@@ -46,13 +114,25 @@ void addConvertCommand(CLI::App& program) {
         ->type_name("OUT")
         ->required();
     command
-        ->add_option("--to", arguments->format,
-                     "the form; when not given, xml for an OUT that ends in .xml and binary for "
-                     "any other")
-        ->type_name("binary|xml")
-        ->check(CLI::IsMember({"binary", "xml"}).description(""));
+        ->add_option("--to", arguments->form,
+                     "the form: a keyed archive, binary or xml, or a sequential one; when not "
+                     "given, xml for an OUT that ends in .xml and binary for any other")
+        ->type_name("binary|xml|sequential")
+        ->check(CLI::IsMember({"binary", "xml", "sequential"}).description(""));
+    command->add_flag("--lossy", arguments->isLossy,
+                      "convert also when the form cannot carry everything; what is lost is told "
+                      "either way");
+    command
+        ->add_option("--class-version", arguments->versions,
+                     "write a class of a sequential archive as an older program knows it; once "
+                     "for each of KWChannel=0 or 1, KWKeyFramedChannel=0, KWChannelArray=0")
+        ->type_name("NAME=VERSION")
+        ->allow_extra_args(false);
     command->footer("kwchannel convert ball.kwdoc -o ball.xml\n"
                     "kwchannel convert ball.xml -o ball.kwdoc\n"
-                    "kwchannel convert ball.kwdoc --to xml -o - | less\n");
+                    "kwchannel convert ball.kwdoc --to xml -o - | less\n"
+                    "kwchannel convert ball.kwdoc --to sequential -o ball.typedstream\n"
+                    "kwchannel convert ball.kwdoc --to sequential --class-version KWChannel=1 "
+                    "--lossy -o old.typedstream\n");
     command->callback([arguments] { runConvert(*arguments); });
 }

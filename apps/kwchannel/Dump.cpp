@@ -11,23 +11,6 @@ namespace {
 
 using Kind = KWPropertyList::Kind;
 
-constexpr std::size_t longestData = 32;
-
-std::string dataText(std::span<const std::byte> bytes) {
-    constexpr char digits[] = "0123456789abcdef";
-    std::string text = counted(bytes.size(), "byte") + " <";
-    for (const std::byte byte : bytes.first(std::min(bytes.size(), longestData))) {
-        text += digits[std::to_integer<unsigned>(byte) >> 4];
-        text += digits[std::to_integer<unsigned>(byte) & 15];
-    }
-    return text + (bytes.size() > longestData ? "..." : "") + ">";
-}
-
-/// How an object is referred to: "[12]".
-std::string numbered(std::uint64_t number) {
-    return std::string("[").append(std::to_string(number)).append("]");
-}
-
 } // namespace
 
 Dump::Dump(const KWPropertyList& list, Output& output, std::size_t maximumDepth)

@@ -1,9 +1,11 @@
+#include <KWFoundation/KWFile.h>
 #include <KWFoundation/KWPropertyList.h>
+#include <KWFoundation/KWUnarchiver.h>
 
 #include <apps/kwchannel/Channels.h>
 #include <apps/kwchannel/Commands.h>
 #include <apps/kwchannel/Dump.h>
-#include <apps/kwchannel/Errors.h>
+#include <apps/kwchannel/SequentialDump.h>
 
 namespace {
 
@@ -14,13 +16,20 @@ struct DumpArguments {
 };
 
 void runDump(const DumpArguments& arguments) {
-    const KWPropertyList list = KWPropertyList::parseFile(inputPath(arguments.file));
+    const std::string file = inputPath(arguments.file);
+    const KWFileContents contents = KWFileContents::read(file);
+    const auto depth = static_cast<std::size_t>(arguments.depth);
+    const auto write = [&arguments](auto&& dump) {
+        if (arguments.isFlat)
+            dump.writeObjects();
+        else
+            dump.writeTree();
+    };
     Output output("");
-    Dump dump(list, output, static_cast<std::size_t>(arguments.depth));
-    if (arguments.isFlat)
-        dump.writeObjects();
+    if (KWUnarchiver::isArchive(contents.bytes()))
+        write(SequentialDump(contents.bytes(), file, output, depth));
     else
-        dump.writeTree();
+        write(Dump(KWPropertyList::parse(contents.bytes(), file), output, depth));
     output.finish();
 }
 
@@ -28,7 +37,7 @@ void runDump(const DumpArguments& arguments) {
 
 void addDumpCommand(CLI::App& program) {
     CLI::App* command =
-        program.add_subcommand("dump", "Shows every object of any keyed archive, as it is stored");
+        program.add_subcommand("dump", "Shows every object of any archive, as it is stored");
     const auto arguments = std::make_shared<DumpArguments>();
     command->add_option("FILE", arguments->file, "the archive; - is standard input")->required();
     command->add_flag("--objects", arguments->isFlat,
@@ -40,6 +49,7 @@ void addDumpCommand(CLI::App& program) {
         ->type_name("N")
         ->check(CLI::Range(1, 1000).description(""));
     command->footer("kwchannel dump ball.kwdoc\n"
-                    "kwchannel dump --objects unknown.plist | less\n");
+                    "kwchannel dump --objects unknown.plist | less\n"
+                    "kwchannel dump --depth 5 unknown.typedstream\n");
     command->callback([arguments] { runDump(*arguments); });
 }

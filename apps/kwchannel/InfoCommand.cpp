@@ -115,9 +115,8 @@ std::string infoJson(const KWDocument& document, const PlacesByGroup& places) {
                             {"channels", channelsJson(places, i, nullptr)},
                             {"groups", std::move(groups)}});
     }
-    const bool isXML = document.format() == KWDocument::Format::xml;
     return jsonText({{"file", document.file()},
-                     {"format", isXML ? "xml" : "binary"},
+                     {"format", formName(document.form())},
                      {"elements", std::move(elements)}},
                     2) +
            "\n";
@@ -166,9 +165,9 @@ std::string infoText(const KWDocument& document, const PlacesByGroup& places,
             addChannels(i, group, "    ");
         }
     }
-    const bool isXML = document.format() == KWDocument::Format::xml;
-    return printable(document.file()) + ": " + (isXML ? "XML" : "binary") + " archive, " +
-           counted(document.elements().size(), "element") + ", " +
+    return printable(document.file()) + ": " +
+           (document.form() == KWDocument::Form::xml ? "XML" : formName(document.form())) +
+           " archive, " + counted(document.elements().size(), "element") + ", " +
            counted(channelCount, "channel") + "\n" + table.text();
 }
 

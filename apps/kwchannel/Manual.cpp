@@ -97,8 +97,9 @@ std::string manualPage(const CLI::App& program) {
             "trailing part of it that names one channel alone. Channels of one and the same path "
             "are told apart by #1, #2 and so on behind it.\n"
             ".SH EXIT STATUS\n"
-            ".TP\n.B 0\ndone\n.TP\n.B 1\nbad data: a damaged document, or one with channels that "
-            "cannot be evaluated\n.TP\n.B 2\nwrong use\n.TP\n.B 3\nsomething cannot be read or "
+            ".TP\n.B 0\ndone\n.TP\n.B 1\nbad data: a damaged document, one with faults or with "
+            "channels that cannot be evaluated, or one that would lose something\n.TP\n.B 2\nwrong "
+            "use\n.TP\n.B 3\nsomething cannot be read or "
             "written\n.TP\n.B 130\ninterrupted\n";
     return text;
 }

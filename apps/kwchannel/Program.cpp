@@ -70,7 +70,8 @@ int run(CLI::App& program, int argc, char** argv) {
 
 void declareProgram(CLI::App& program) {
     program.name("kwchannel");
-    program.description("Inspects, evaluates, bakes and converts documents of animation channels");
+    program.description("Inspects, evaluates, bakes, converts and validates documents of animation "
+                        "channels");
     program.formatter(std::make_shared<HelpFormatter>());
     program.set_help_flag("-h,--help", "Shows this and ends");
     program.set_version_flag("--version", KWCHANNEL_VERSION, "Shows the version and ends");
@@ -79,12 +80,14 @@ void declareProgram(CLI::App& program) {
                    "kwchannel eval ball.kwdoc Position/y --from 0 --to 2 --step 0.25 --unit cm\n"
                    "kwchannel bake ball.kwdoc --from 0 --to 10 --rate 60 -o ball.csv\n"
                    "kwchannel dump ball.kwdoc\n"
-                   "kwchannel convert ball.kwdoc -o ball.xml\n");
+                   "kwchannel convert ball.kwdoc -o ball.xml\n"
+                   "kwchannel validate ball.kwdoc\n");
     addInfoCommand(program);
     addEvalCommand(program);
     addBakeCommand(program);
     addDumpCommand(program);
     addConvertCommand(program);
+    addValidateCommand(program);
 
     // For the build; in no group, which hides them.
     program

@@ -102,6 +102,21 @@ std::string counted(std::size_t count, std::string_view thing) {
     return std::to_string(count) + " " + std::string(thing) + (count == 1 ? "" : "s");
 }
 
+std::string dataText(std::span<const std::byte> bytes) {
+    constexpr std::size_t longest = 32;
+    constexpr char digits[] = "0123456789abcdef";
+    std::string text = counted(bytes.size(), "byte") + " <";
+    for (const std::byte byte : bytes.first(std::min(bytes.size(), longest))) {
+        text += digits[std::to_integer<unsigned>(byte) >> 4];
+        text += digits[std::to_integer<unsigned>(byte) & 15];
+    }
+    return text + (bytes.size() > longest ? "..." : "") + ">";
+}
+
+std::string numbered(std::uint64_t number) {
+    return std::string("[").append(std::to_string(number)).append("]");
+}
+
 std::string Table::text() const {
     std::vector<std::size_t> widths;
     for (const std::vector<std::string>& row : _rows) {

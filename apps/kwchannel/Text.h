@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +26,12 @@ double finiteArgument(std::string_view option, const std::string& text);
 
 /// "1 key", "2 keys".
 std::string counted(std::size_t count, std::string_view thing);
+
+/// "3 bytes <616263>"; of many bytes the first 32 alone.
+std::string dataText(std::span<const std::byte> bytes);
+
+/// How an object is referred to: "[12]".
+std::string numbered(std::uint64_t number);
 
 /// Lines of cells, shown in aligned columns two spaces apart.
 class Table {
