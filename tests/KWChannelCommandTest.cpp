@@ -74,7 +74,7 @@ TEST_F(KWChannelCommand, WrongUseIsOneLineWithAHint) {
         {"eval", ball, "--from", "1", "--to", "0", "--step", "1"},
         {"eval", ball, "--from", "0", "--to", "1e9", "--step", "1e-9"},
         {"eval", ball, "--at", "1", "--unit", "parsec"},
-        {"eval", ball, "--at", "1", "--unit", "cm", "mm"},
+        {"eval", ball, "--at", "1", "--unit", "cm,mm"},
         {"eval", ball, "nothing", "--at", "1"},
         {"bake", ball},
         {"bake", ball, "--from", "0", "--to", "1", "--rate", "-1"},
@@ -94,6 +94,21 @@ TEST_F(KWChannelCommand, WrongUseIsOneLineWithAHint) {
         }
     }
     EXPECT_TRUE(filesLeft().empty());
+}
+
+TEST_F(KWChannelCommand, AnUnknownCommandIsToldWithThoseThereAre) {
+    EXPECT_CONTAINS(failure(2, {"ifno", ball}),
+                    "there is no command \"ifno\"; there are info, eval, bake, dump, convert, "
+                    "validate; see kwchannel --help");
+    EXPECT_CONTAINS(failure(2, {"info", ball, "a", "b"}),
+                    "these arguments were not expected: a b; see kwchannel info --help");
+}
+
+TEST_F(KWChannelCommand, MoreTimesThanCanBeCountedNameTheOption) {
+    EXPECT_CONTAINS(failure(2, {"bake", ball, "--from", "0", "--to", "1", "--rate", "1e16"}),
+                    "--rate 1e+16 over this range gives more than 9000000000000000 times");
+    EXPECT_CONTAINS(failure(2, {"eval", ball, "--from", "0", "--to", "1e9", "--step", "1e-9"}),
+                    "--step 1e-09 over this range gives more than 9000000000000000 times");
 }
 
 TEST_F(KWChannelCommand, InfoShowsTheTree) {
@@ -166,16 +181,33 @@ TEST_F(KWChannelCommand, EvalOfSeveralTimesIsALineATime) {
 }
 
 TEST_F(KWChannelCommand, EvalTakesNegativeTimesAndLists) {
-    const std::string list = output({"eval", ball, "x", "--at", "-1", "2.5"});
+    const std::string list = output({"eval", ball, "x", "--at", "-1", "--at=2.5"});
     EXPECT_EQ(list, output({"eval", ball, "x", "--at", "-1,2.5"}));
     EXPECT_EQ(lines(list).size(), 3U);
+}
+
+TEST_F(KWChannelCommand, OptionsMayStandAnywhere) {
+    const std::string wanted =
+        output({"eval", ball, "x", "rotation", "--at", "0,1", "--unit", "cm,deg"});
+    EXPECT_EQ(output({"eval", "--at", "0,1", "--unit", "cm,deg", ball, "x", "rotation"}), wanted);
+    EXPECT_EQ(
+        output({"eval", "--at=0", "--unit=cm", ball, "--at=1", "x", "--unit", "deg", "rotation"}),
+        wanted);
+    EXPECT_EQ(
+        output({"bake", "--unit", "cm", "--from", "0", "--to", "1", ball, "--rate", "1", "x"}),
+        output({"bake", ball, "x", "--from", "0", "--to", "1", "--rate", "1", "--unit=cm"}));
+    const std::string old = output({"convert", "--class-version", "KWChannel=1,KWChannelArray=0",
+                                    ball, "--lossy", "--to", "sequential", "-o", "-"});
+    EXPECT_EQ(output({"convert", "--class-version=KWChannel=1", ball, "--lossy", "--class-version",
+                      "KWChannelArray=0", "--to", "sequential", "-o", "-"}),
+              old);
 }
 
 TEST_F(KWChannelCommand, EvalConvertsUnitsByShortOrLongNames) {
     const std::string centimeters = output({"eval", ball, "radius", "--at", "0", "--unit", "cm"});
     EXPECT_EQ(centimeters, "Ball/radius  11  cm\n");
     EXPECT_EQ(centimeters,
-              output({"eval", ball, "radius", "--at", "0", "--unit", "centimeter", "degree"}));
+              output({"eval", ball, "radius", "--at", "0", "--unit", "centimeter,degree"}));
     EXPECT_EQ(output({"eval", ball, "rotation", "--at", "0.6", "--unit", "deg"}),
               "Ball/Position/rotation  -180  deg\n");
     EXPECT_EQ(output({"eval", ball, "squash", "--at", "0", "--unit", "mm,gr"}),
@@ -213,11 +245,13 @@ TEST_F(KWChannelCommand, JSONHasShortestFloatsAndNullForWhatIsNotFinite) {
 TEST_F(KWChannelCommand, AmbiguousAndAbsentChannelsComeWithCandidates) {
     EXPECT_CONTAINS(failure(2, {"eval", show, "Front truss/red", "--at", "1"}), "there is no");
     const std::string line = failure(2, {"eval", show, "Lamp 1/red", "--at", "1"});
-    EXPECT_CONTAINS(line, "\"Lamp 1/red\" names 2 channels");
-    EXPECT_CONTAINS(line, "\"Front truss/Lamp 1/red\", \"Back truss/Lamp 1/red\"");
+    EXPECT_CONTAINS(line, "\"Lamp 1/red\" names 2 channels: \"Front truss/Lamp 1/red\", "
+                          "\"Back truss/Lamp 1/red\"; see ");
     EXPECT_CONTAINS(failure(2, {"eval", show, "red", "--at", "1"}), "and 3 more");
     EXPECT_CONTAINS(failure(2, {"eval", ball, "rotatoin", "--at", "1"}),
-                    "there is \"Ball/Position/rotation\"");
+                    "; did you mean \"Ball/Position/rotation\"? See ");
+    EXPECT_CONTAINS(failure(2, {"eval", museum, "sam", "--at", "1"}),
+                    "\"Names/group/slash/same#1\" or \"Names/group/slash/same#2\"?");
     EXPECT_CONTAINS(failure(2, {"eval", museum, "same", "--at", "1"}),
                     "\"Names/group/slash/same#1\", \"Names/group/slash/same#2\"");
 }
@@ -226,7 +260,8 @@ TEST_F(KWChannelCommand, IrregularChannelsEndEvalAndBakeBeforeAnyOutput) {
     const std::string line = failure(1, {"eval", irregular, "--at", "1"});
     EXPECT_CONTAINS(line, "irregular-museum.kwdoc");
     EXPECT_CONTAINS(line, "\"Museum/Wing/equal times\" is irregular: keys 2 and 3 share");
-    failure(1, {"eval", irregular, "unsorted", "--at", "1"});
+    EXPECT_CONTAINS(line, "; name the channels you want to leave it out");
+    EXPECT_FALSE(contains(failure(1, {"eval", irregular, "unsorted", "--at", "1"}), "leave"));
     failure(1, {"bake", irregular, "--from", "0", "--to", "1", "--rate", "1"});
     failure(1, {"bake", irregular, "--from", "0", "--to", "1", "--rate", "1", "-o", path("x")});
     EXPECT_TRUE(filesLeft().empty());
@@ -236,7 +271,7 @@ TEST_F(KWChannelCommand, IrregularChannelsEndEvalAndBakeBeforeAnyOutput) {
 }
 
 TEST_F(KWChannelCommand, ATimeThatCannotBeEvaluatedEndsEvalAndBakeBeforeAnyOutput) {
-    const std::string line = failure(1, {"eval", museum, "mode 1, repeat 3", "--at", "0", "-2"});
+    const std::string line = failure(1, {"eval", museum, "mode 1, repeat 3", "--at", "0,-2"});
     EXPECT_CONTAINS(line, "\"Codes/Mode 1/mode 1, repeat 3\" cannot be evaluated at -2");
     failure(1, {"bake", museum, "mode 1, repeat 3", "--from", "-2", "--to", "9", "--rate", "1"});
     output({"eval", museum, "--at", "0.5"});
@@ -244,7 +279,7 @@ TEST_F(KWChannelCommand, ATimeThatCannotBeEvaluatedEndsEvalAndBakeBeforeAnyOutpu
 
 TEST_F(KWChannelCommand, BakeWritesCSV) {
     EXPECT_EQ(output({"bake", ball, "rotation", "radius", "--from", "0", "--to", "1.2", "--rate",
-                      "2.5", "--unit", "mm", "deg"}),
+                      "2.5", "--unit", "mm,deg"}),
               "time,Ball/Position/rotation,Ball/radius\n"
               "0,0,110\n"
               "0.4,-120,110\n"
@@ -269,6 +304,17 @@ TEST_F(KWChannelCommand, BakeWritesJSONLines) {
     EXPECT_EQ(row["values"]["Spans/one key"], 5);
     EXPECT_TRUE(row["values"]["Values/infinite"].is_null());
     EXPECT_EQ(row["values"]["Names/group/slash/\"quotes\""], 1);
+}
+
+TEST_F(KWChannelCommand, BakeTakesItsFormatFromTheFilesNameUnlessTold) {
+    const std::vector<std::string> bake = {
+        "bake", ball, "radius", "--from", "0", "--to", "1", "--rate", "1", "-o", path("x.jsonl")};
+    output(bake);
+    EXPECT_TRUE(readFile(path("x.jsonl")).starts_with("{\"time\":0,"));
+    std::vector<std::string> told = bake;
+    told.insert(told.end(), {"--format", "csv"});
+    output(told);
+    EXPECT_TRUE(readFile(path("x.jsonl")).starts_with("time,"));
 }
 
 TEST_F(KWChannelCommand, BakeAnswersWhatEvalAnswers) {
@@ -346,7 +392,7 @@ TEST_F(KWChannelCommand, InterruptedBakeLeavesNoPartialFile) {
         kill(pid, signal);
         const Result result = finish(pid);
         EXPECT_EQ(result.code, 130);
-        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(result.err, "kwchannel: interrupted; " + path("old.csv") + " is unchanged\n");
         EXPECT_EQ(filesLeft(), std::vector<std::string>{"old.csv"});
         EXPECT_EQ(readFile(path("old.csv")), "old");
     }
@@ -445,7 +491,7 @@ TEST_F(KWChannelCommand, PrintsAndReadsTheSameInACommaDecimalLocale) {
     const std::vector<std::vector<std::string>> commands = {
         {"info", museum},
         {"info", museum, "--json"},
-        {"eval", museum, "--at", "0.5", "1.25"},
+        {"eval", museum, "--at", "0.5,1.25"},
         {"eval", ball, "--at", "0.5", "--json", "--unit", "cm"},
         {"bake", ball, "--from", "0.5", "--to", "1.5", "--rate", "12.5"},
         {"bake", ball, "--from", "0", "--to", "1", "--rate", "9", "--format", "jsonl"},
