@@ -1,7 +1,6 @@
 #include <KWFoundation/KWKeyedArchiveReader.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <new>
@@ -16,22 +15,6 @@ using Cluster = KWKeyedArchiveReader::Cluster;
 
 constexpr std::int64_t archiveVersion = 100000;
 constexpr std::string_view nullName = "$null";
-
-Cluster clusterNamed(std::string_view name) {
-    static constexpr std::array<std::pair<std::string_view, Cluster>, 7> clusters{{
-        {"NSString", Cluster::string},
-        {"NSMutableString", Cluster::mutableString},
-        {"NSData", Cluster::data},
-        {"NSMutableData", Cluster::mutableData},
-        {"NSArray", Cluster::array},
-        {"NSMutableArray", Cluster::mutableArray},
-        {"NSNumber", Cluster::number},
-    }};
-    for (const auto& [known, cluster] : clusters)
-        if (known == name)
-            return cluster;
-    return Cluster::object;
-}
 
 const char* kindText(Kind kind) {
     switch (kind) {
@@ -282,7 +265,7 @@ KWKeyedArchiveReader::ClassRecord KWKeyedArchiveReader::readClass(Index node) {
     // A renamed class may have no chain, or one of another name.
     if (record.chain.empty() || record.chain.front() != list.stringValue(name))
         record.chain.insert(record.chain.begin(), std::string(list.stringValue(name)));
-    record.cluster = clusterNamed(record.chain.front());
+    record.cluster = KWArchiveClusterNamed(record.chain.front());
     record.known = KWClassNamed(record.chain.front());
     for (std::size_t k = 0; !record.known && k < record.hints.size(); ++k)
         record.known = KWClassNamed(record.hints[k]);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <KWFoundation/KWArchiveCluster.h>
 #include <KWFoundation/KWCoder.h>
 #include <KWFoundation/KWKeyedUnarchiver.h>
 #include <KWFoundation/KWPropertyList.h>
@@ -22,17 +23,7 @@ struct KWKeyedArchiveReader {
     using Slot = std::uint32_t;
     static constexpr Index none = KWPropertyList::none;
 
-    /// The platform's own classes of values, which are read as values rather than as objects.
-    enum class Cluster {
-        object,
-        string,
-        mutableString,
-        data,
-        mutableData,
-        array,
-        mutableArray,
-        number
-    };
+    using Cluster = KWArchiveCluster;
 
     /// A class as an archive records it.
     struct ClassRecord {
@@ -41,9 +32,7 @@ struct KWKeyedArchiveReader {
         Cluster cluster = Cluster::object;
         const KWClass* known = nullptr;
 
-        bool isArray() const {
-            return cluster == Cluster::array || cluster == Cluster::mutableArray;
-        }
+        bool isArray() const { return KWIsArrayCluster(cluster); }
     };
 
     /// What has become of an entry of "$objects" so far. Values are only there when done, objects

@@ -62,8 +62,7 @@ bool KWTypedStreamReader::readList(Element& element) {
     if (aClass == none)
         damaged("an object without a class");
     const Level level(*this, aClass);
-    if (_classes[aClass].cluster != Cluster::array &&
-        _classes[aClass].cluster != Cluster::mutableArray)
+    if (!KWIsArrayCluster(_classes[aClass].cluster))
         damaged("expected an array, found " + _classes[aClass].name);
     std::int32_t count = 0;
     readValues("i", {&count});

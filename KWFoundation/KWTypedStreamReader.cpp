@@ -3,7 +3,6 @@
 #include <KWFoundation/KWTypedStreamReader.h>
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstring>
 #include <optional>
@@ -491,15 +490,6 @@ KWArchiveField KWTypedStreamReader::readArrayField(std::string_view type) {
 
 /// A place in _classes; none for no class.
 std::uint32_t KWTypedStreamReader::readClass() {
-    static constexpr std::array<std::pair<std::string_view, Cluster>, 7> clusters{{
-        {"NSString", Cluster::string},
-        {"NSMutableString", Cluster::mutableString},
-        {"NSData", Cluster::data},
-        {"NSMutableData", Cluster::mutableData},
-        {"NSArray", Cluster::array},
-        {"NSMutableArray", Cluster::mutableArray},
-        {"NSNumber", Cluster::number},
-    }};
     std::uint32_t first = none;
     std::uint32_t previous = none;
     for (;;) {
@@ -513,11 +503,10 @@ std::uint32_t KWTypedStreamReader::readClass() {
                 damaged("a class without a name");
             Class made{.name = std::string(*name),
                        .version = static_cast<std::int32_t>(readInteger())};
-            for (const auto& [known, cluster] : clusters)
-                if (known == made.name && !_options.knowsNoClasses)
-                    made.cluster = cluster;
-            if (!_options.knowsNoClasses)
+            if (!_options.knowsNoClasses) {
+                made.cluster = KWArchiveClusterNamed(made.name);
                 made.known = KWClassNamed(made.name);
+            }
             const auto [version, isNew] = _versions.try_emplace(made.name, made.version);
             if (!isNew && version->second != made.version)
                 damaged("the class \"" + made.name + "\" has two versions, " +

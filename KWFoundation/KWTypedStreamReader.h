@@ -1,5 +1,6 @@
 #pragma once
 
+#include <KWFoundation/KWArchiveCluster.h>
 #include <KWFoundation/KWCoder.h>
 #include <KWFoundation/KWUnarchiver.h>
 #include <KWFoundation/KWUnknownObject.h>
@@ -44,16 +45,7 @@ class KWTypedStreamReader {
   private:
     static constexpr std::uint32_t none = 0xffffffff;
 
-    enum class Cluster {
-        object,
-        string,
-        mutableString,
-        data,
-        mutableData,
-        array,
-        mutableArray,
-        number
-    };
+    using Cluster = KWArchiveCluster;
 
     struct Class {
         std::string name;

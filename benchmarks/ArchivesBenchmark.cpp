@@ -65,39 +65,26 @@ void countBytes(benchmark::State& state, std::size_t bytes) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes));
 }
 
-void openChannels(benchmark::State& state) {
-    const KWData& archive = archiveOf(state);
+/// Down to channels that give values.
+template <class Open>
+void open(benchmark::State& state, const KWData& archive, Open unarchive) {
     for (auto _ : state) {
-        const auto root = std::dynamic_pointer_cast<KWChannelArray>(
-            KWKeyedUnarchiver::unarchiveObjectWithData(archive));
+        const auto root = std::dynamic_pointer_cast<KWChannelArray>(unarchive(archive));
         if (!root || root->channelCount() != state.range(0) / 1000)
             throw std::runtime_error("the archive did not open");
         benchmark::DoNotOptimize(root->channels()->back()->valueForTime(KWTime(500)));
     }
     countBytes(state, archive.size());
+}
+
+void openChannels(benchmark::State& state) {
+    open(state, archivesOf(state).keyed,
+         [](const KWData& archive) { return KWKeyedUnarchiver::unarchiveObjectWithData(archive); });
 }
 
 void openSequential(benchmark::State& state) {
-    const KWData& archive = archivesOf(state).sequential;
-    for (auto _ : state) {
-        const auto root = std::dynamic_pointer_cast<KWChannelArray>(
-            KWUnarchiver::unarchiveObjectWithData(archive));
-        if (!root || root->channelCount() != state.range(0) / 1000)
-            throw std::runtime_error("the archive did not open");
-        benchmark::DoNotOptimize(root->channels()->back()->valueForTime(KWTime(500)));
-    }
-    countBytes(state, archive.size());
-}
-
-void writeSequential(benchmark::State& state) {
-    const auto root = channelsWithKeys(state.range(0));
-    std::size_t bytes = 0;
-    for (auto _ : state) {
-        const KWData archive = KWArchiver::archivedDataWithRootObject(root);
-        bytes = archive.size();
-        benchmark::DoNotOptimize(archive.data());
-    }
-    countBytes(state, bytes);
+    open(state, archivesOf(state).sequential,
+         [](const KWData& archive) { return KWUnarchiver::unarchiveObjectWithData(archive); });
 }
 
 void parseProperties(benchmark::State& state) {
@@ -121,15 +108,25 @@ void libplistParse(benchmark::State& state) {
     countBytes(state, archive.size());
 }
 
-void writeChannels(benchmark::State& state) {
+template <class Write>
+void write(benchmark::State& state, Write archived) {
     const auto root = channelsWithKeys(state.range(0));
     std::size_t bytes = 0;
     for (auto _ : state) {
-        const KWData archive = KWKeyedArchiver::archivedDataWithRootObject(root);
+        const KWData archive = archived(root);
         bytes = archive.size();
         benchmark::DoNotOptimize(archive.data());
     }
     countBytes(state, bytes);
+}
+
+void writeChannels(benchmark::State& state) {
+    write(state,
+          [](const auto& root) { return KWKeyedArchiver::archivedDataWithRootObject(root); });
+}
+
+void writeSequential(benchmark::State& state) {
+    write(state, [](const auto& root) { return KWArchiver::archivedDataWithRootObject(root); });
 }
 
 void writeFile(benchmark::State& state) {

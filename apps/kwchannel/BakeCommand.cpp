@@ -17,7 +17,7 @@ struct BakeArguments {
     std::vector<std::string> channels;
     std::string from, to, rate;
     std::string output;
-    std::string format = "csv";
+    std::string format;
     std::vector<std::string> units;
 };
 
@@ -94,10 +94,13 @@ class JSONLinesWriter final : public RowWriter {
     std::vector<std::string> _keys;
 };
 
-std::unique_ptr<RowWriter> writerFor(const std::string& format, const std::vector<Place>& places) {
-    if (format == "csv")
-        return std::make_unique<CSVWriter>(places);
-    return std::make_unique<JSONLinesWriter>(places);
+std::unique_ptr<RowWriter> writerFor(const BakeArguments& arguments,
+                                     const std::vector<Place>& places) {
+    const bool isJSONLines = arguments.format.empty() ? arguments.output.ends_with(".jsonl")
+                                                      : arguments.format == "jsonl";
+    if (isJSONLines)
+        return std::make_unique<JSONLinesWriter>(places);
+    return std::make_unique<CSVWriter>(places);
 }
 
 void bake(const std::vector<Place>& places, const TimeSteps& steps, const RowWriter& writer,
@@ -138,7 +141,7 @@ void runBake(const BakeArguments& arguments) {
     const KWDocument document = openDocument(arguments.document);
     const std::vector<Place> places = channelsToEvaluate(document, arguments.channels);
     Output output(arguments.output);
-    bake(places, steps, *writerFor(arguments.format, places), output);
+    bake(places, steps, *writerFor(arguments, places), output);
     output.finish();
 }
 
@@ -157,8 +160,9 @@ void addBakeCommand(CLI::App& program) {
         ->type_name("A")
         ->required();
     command
-        ->add_option("--to", arguments->to,
-                     "the last time, when it falls on a step; the times are A + k / R")
+        ->add_option(
+            "--to", arguments->to,
+            "no time after this one, in seconds; the times are A + k / R for k = 0, 1, 2, ...")
         ->type_name("B")
         ->required();
     command->add_option("--rate", arguments->rate, "times a second")->type_name("R")->required();
@@ -169,16 +173,18 @@ void addBakeCommand(CLI::App& program) {
         ->type_name("FILE");
     command
         ->add_option("--format", arguments->format,
-                     "csv: a line of channel paths, then a line for each time, numbers as short "
-                     "as they read back the same, nan and inf as such; jsonl: an object for each "
-                     "time, what is not finite as null")
+                     "csv: a line of channel paths, then a line for each time, numbers in the "
+                     "shortest digits that read back the same, nan and inf as such; jsonl: an "
+                     "object for each time, what is not finite as null; when not given, jsonl for "
+                     "a FILE that ends in .jsonl and csv otherwise")
         ->type_name("csv|jsonl")
         ->check(CLI::IsMember({"csv", "jsonl"}).description(""));
     command
         ->add_option("--unit", arguments->units,
                      "write lengths or angles in this unit, as for eval; meters and radians when "
                      "not given")
-        ->type_name("NAME")
+        ->type_name("NAME[,...]")
+        ->allow_extra_args(false)
         ->delimiter(',');
     command->footer(
         "kwchannel bake ball.kwdoc --from 0 --to 10 --rate 60 -o ball.csv\n"

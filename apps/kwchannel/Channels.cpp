@@ -1,5 +1,6 @@
 #include <KWBase/KWUnitController.h>
 #include <KWFoundation/KWException.h>
+#include <KWFoundation/KWText.h>
 
 #include <apps/kwchannel/Channels.h>
 #include <apps/kwchannel/Errors.h>
@@ -40,6 +41,14 @@ std::int32_t codeOf(std::span<const UnitNames> units, std::string_view name) {
         if (std::find(unit.names.begin(), unit.names.end(), name) != unit.names.end())
             return unit.code;
     return noUnit;
+}
+
+void checkCount(double steps, const std::string& option, double value) {
+    // Beyond this the steps are no longer told apart.
+    constexpr std::int64_t largest = 9'000'000'000'000'000;
+    if (!(steps < static_cast<double>(largest)))
+        throw UseError(option + " " + KWExactStringFromDouble(value) +
+                       " over this range gives more than " + std::to_string(largest) + " times");
 }
 
 } // namespace
@@ -99,8 +108,9 @@ std::vector<Place> channelsToEvaluate(const KWDocument& document,
                             inQuotes(kwClassName(*place.channel)) + " is not known here");
         const std::string why = kwIrregularity(*place.channel);
         if (!why.empty())
-            throw DataError(document.file() + ": channel " + inQuotes(place.path) +
-                            " is irregular: " + why);
+            throw DataError(
+                document.file() + ": channel " + inQuotes(place.path) + " is irregular: " + why +
+                (addresses.empty() ? "; name the channels you want to leave it out" : ""));
     }
     return chosen;
 }
@@ -184,9 +194,7 @@ TimeSteps TimeSteps::atRate(double from, double to, double rate) {
     if (to < from)
         throw UseError("--to is before --from");
     const double steps = (to - from) * rate;
-    // Beyond this the steps are no longer told apart.
-    if (!(steps < 9e15))
-        throw UseError("so many times cannot be counted");
+    checkCount(steps, "--rate", rate);
     TimeSteps times;
     times._from = from;
     times._factor = rate;
@@ -201,8 +209,7 @@ TimeSteps TimeSteps::withStep(double from, double to, double step) {
     if (to < from)
         throw UseError("--to is before --from");
     const double steps = (to - from) / step;
-    if (!(steps < 9e15))
-        throw UseError("so many times cannot be counted");
+    checkCount(steps, "--step", step);
     TimeSteps times;
     times._from = from;
     times._factor = step;

@@ -124,10 +124,11 @@ void addConvertCommand(CLI::App& program) {
                       "either way");
     command
         ->add_option("--class-version", arguments->versions,
-                     "write a class of a sequential archive as an older program knows it; once "
-                     "for each of KWChannel=0 or 1, KWKeyFramedChannel=0, KWChannelArray=0")
-        ->type_name("NAME=VERSION")
-        ->allow_extra_args(false);
+                     "write classes of a sequential archive as an older program knows them: "
+                     "KWChannel=0 or 1, KWKeyFramedChannel=0, KWChannelArray=0")
+        ->type_name("NAME=VERSION[,...]")
+        ->allow_extra_args(false)
+        ->delimiter(',');
     command->footer("kwchannel convert ball.kwdoc -o ball.xml\n"
                     "kwchannel convert ball.xml -o ball.kwdoc\n"
                     "kwchannel convert ball.kwdoc --to xml -o - | less\n"

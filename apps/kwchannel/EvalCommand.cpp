@@ -121,23 +121,28 @@ void addEvalCommand(CLI::App& program) {
                         "paths such as Ball/Position/x, or what they end with, such as x; all "
                         "channels when there is none");
     command->add_option("--at", arguments->at, "these times, in seconds")
-        ->type_name("T")
+        ->type_name("T[,...]")
+        ->allow_extra_args(false)
         ->delimiter(',');
-    command->add_option("--from", arguments->from, "the first time")->type_name("A");
-    command->add_option("--to", arguments->to, "the last time, when it falls on a step")
+    command->add_option("--from", arguments->from, "the first time, in seconds")->type_name("A");
+    command
+        ->add_option(
+            "--to", arguments->to,
+            "no time after this one, in seconds; the times are A + k * S for k = 0, 1, 2, ...")
         ->type_name("B");
     command->add_option("--step", arguments->step, "seconds from time to time")->type_name("S");
     command
         ->add_option("--unit", arguments->units,
                      "show lengths or angles in this unit: m (the default), dm, cm, mm, in, ft, "
                      "mi; rad (the default), deg, gr; or its name in your language")
-        ->type_name("NAME")
+        ->type_name("NAME[,...]")
+        ->allow_extra_args(false)
         ->delimiter(',');
     command->add_flag("--json", arguments->isJson,
                       "as one JSON object: times, and the values of each channel; what is not "
                       "finite is null");
     command->footer("kwchannel eval ball.kwdoc --at 0.5\n"
                     "kwchannel eval ball.kwdoc Position/y --from 0 --to 2 --step 0.25 --unit cm\n"
-                    "kwchannel eval ball.kwdoc x rotation --at 0,0.5,1 --unit cm deg --json\n");
+                    "kwchannel eval ball.kwdoc x rotation --at 0,0.5,1 --unit cm,deg --json\n");
     command->callback([arguments] { runEval(*arguments); });
 }

@@ -25,7 +25,7 @@ std::string spelled(const CLI::Option& option) {
     for (const std::string& name : option.get_lnames())
         text += (text.empty() ? "--" : ", --") + name;
     if (option.get_type_size() != 0 && !option.get_type_name().empty())
-        text += " " + option.get_type_name() + (option.get_items_expected_max() > 1 ? "..." : "");
+        text += " " + option.get_type_name();
     return text;
 }
 
@@ -187,5 +187,5 @@ std::string HelpFormatter::make_footer(const CLI::App*) const {
 std::string HelpFormatter::make_option_opts(const CLI::Option* option) const {
     if (option->get_positional() || option->get_type_size() == 0 || option->get_type_name().empty())
         return {};
-    return " " + option->get_type_name() + (option->get_items_expected_max() > 1 ? " ..." : "");
+    return " " + option->get_type_name();
 }

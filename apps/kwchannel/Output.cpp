@@ -3,6 +3,7 @@
 #include <apps/kwchannel/Errors.h>
 #include <apps/kwchannel/ExitCodes.h>
 #include <apps/kwchannel/Output.h>
+#include <apps/kwchannel/Text.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -21,6 +22,10 @@ constexpr std::size_t blockSize = 1 << 16;
 // The temporary file, where the signal handler finds it: a plain array, because a handler must not
 // touch a string. Written with the signals held back.
 char temporaryFile[4096];
+// What an interruption says, in the same way.
+constexpr std::string_view plainMessage = "kwchannel: interrupted\n";
+char message[8192];
+std::size_t messageSize = 0;
 volatile std::sig_atomic_t isProgressPossible = 0;
 
 constexpr int signalsOfInterruption[] = {SIGINT, SIGTERM, SIGHUP};
@@ -32,6 +37,7 @@ void interrupted(int) {
         const char clearLine[] = "\r\x1b[K";
         [[maybe_unused]] const ssize_t n = write(STDERR_FILENO, clearLine, sizeof clearLine - 1);
     }
+    [[maybe_unused]] const ssize_t n = write(STDERR_FILENO, message, messageSize);
     _exit(exitInterrupted);
 }
 
@@ -59,6 +65,13 @@ void setTemporaryFile(const std::string& path) {
     temporaryFile[size] = '\0';
 }
 
+void setMessage(std::string_view text) {
+    if (text.size() > sizeof message)
+        text = plainMessage;
+    std::memcpy(message, text.data(), text.size());
+    messageSize = text.size();
+}
+
 mode_t modeOfNewFile() {
     const mode_t mask = umask(0);
     umask(mask);
@@ -82,6 +95,7 @@ Output::~Output() {
     if (!_temporary.empty())
         unlink(_temporary.c_str());
     setTemporaryFile({});
+    setMessage(plainMessage);
 }
 
 void Output::openFile(const std::string& path) {
@@ -114,6 +128,8 @@ void Output::openFile(const std::string& path) {
     _target = target.string();
     _temporary = name;
     setTemporaryFile(_temporary);
+    setMessage("kwchannel: interrupted; " + printable(path) +
+               (exists ? " is unchanged\n" : " is not written\n"));
     fchmod(_descriptor, exists ? status.st_mode & 07777 : modeOfNewFile());
 }
 
@@ -152,6 +168,7 @@ void Output::finish() {
         fail(errno);
     _temporary.clear();
     setTemporaryFile({});
+    setMessage(plainMessage);
 }
 
 bool Output::isTerminal() const {
@@ -189,6 +206,7 @@ void setUpProcess() {
             const int opened = open("/dev/null", modes[descriptor]);
 
     std::signal(SIGPIPE, SIG_IGN);
+    setMessage(plainMessage);
     isProgressPossible = isatty(STDERR_FILENO);
     for (const int number : signalsOfInterruption) {
         struct sigaction action {};

@@ -44,6 +44,7 @@ void print(std::string_view text);
 /// Puts one line on standard error: "kwchannel: " and the text.
 void complain(std::string_view text);
 
-/// Makes interruptions end the program with exit code 130 and no temporary file left, broken pipes
-/// an error of writing, and standard streams that came closed an error when they are used.
+/// Makes interruptions end the program with exit code 130, a line on standard error and no
+/// temporary file left, broken pipes an error of writing, and standard streams that came closed an
+/// error when they are used.
 void setUpProcess();

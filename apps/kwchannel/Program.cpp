@@ -8,6 +8,7 @@
 #include <apps/kwchannel/Output.h>
 #include <apps/kwchannel/Text.h>
 
+#include <algorithm>
 #include <new>
 
 namespace {
@@ -24,7 +25,8 @@ std::string fullName(const CLI::App& program, const CLI::App& command) {
 }
 
 int complainOfUse(const CLI::App& program, const std::string& text) {
-    complain(printable(text) + "; see " + fullName(program, commandInUse(program)) + " --help");
+    complain(printable(text) + (text.ends_with('?') ? " See " : "; see ") +
+             fullName(program, commandInUse(program)) + " --help");
     return exitWrongUse;
 }
 
@@ -32,12 +34,38 @@ int complainOfAddress(const CLI::App& program, const KWAddressError& error) {
     constexpr std::size_t shown = 5;
     std::string text = error.what();
     const std::vector<std::string>& candidates = error.candidates();
-    for (std::size_t i = 0; i < candidates.size() && i < shown; ++i)
-        text += (i == 0 ? "; there is " : ", ") + inQuotes(candidates[i]);
-    if (candidates.size() > shown)
-        text += " and " + std::to_string(candidates.size() - shown) + " more";
     if (candidates.empty())
-        text += "; kwchannel info shows those there are";
+        return complainOfUse(program, text + "; kwchannel info shows those there are");
+
+    const bool isGuess = text.starts_with("there is no ");
+    const std::size_t count = std::min(candidates.size(), shown);
+    const bool isCut = candidates.size() > shown;
+    text += isGuess ? "; did you mean " : ": ";
+    for (std::size_t i = 0; i < count; ++i) {
+        const bool isLast = i + 1 == count && !isCut;
+        text += (i == 0 ? "" : isGuess && isLast ? " or " : ", ") + inQuotes(candidates[i]);
+    }
+    if (isCut)
+        text += (isGuess ? " or one of " : " and ") + std::to_string(candidates.size() - shown) +
+                " more";
+    return complainOfUse(program, text + (isGuess ? "?" : ""));
+}
+
+/// Of arguments that nothing takes: a word where a command belongs, or too much behind one.
+int complainOfExtras(const CLI::App& program) {
+    const std::vector<std::string> extras = program.remaining(true);
+    if (program.get_subcommands().empty() && !extras.empty() && !extras[0].starts_with('-')) {
+        std::string names;
+        for (const CLI::App* command :
+             program.get_subcommands([](const CLI::App*) { return true; }))
+            names += (names.empty() ? "" : ", ") + command->get_name();
+        return complainOfUse(program,
+                             "there is no command " + inQuotes(extras[0]) + "; there are " + names);
+    }
+    std::string text = extras.size() == 1 ? "this argument was not expected:"
+                                          : "these arguments were not expected:";
+    for (const std::string& extra : extras)
+        text += " " + extra;
     return complainOfUse(program, text);
 }
 
@@ -57,6 +85,8 @@ int run(CLI::App& program, int argc, char** argv) {
         return exitDone;
     } catch (const CLI::Success&) {
         return exitDone;
+    } catch (const CLI::ExtrasError&) {
+        return complainOfExtras(program);
     } catch (const CLI::ParseError& error) {
         return complainOfUse(program, error.what());
     } catch (const UseError& error) {
