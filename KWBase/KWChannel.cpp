@@ -211,8 +211,8 @@ void KWChannel::decodeWithKeys(KWCoder& coder) {
     _name = coder.decodeStringForKey("name").value_or(std::string());
     _colorIndex = coder.decodeInt32ForKey("colorIndex");
     _unitType = coder.decodeInt32ForKey("unitType");
-    takeArchivedGroup(coder.decodeObjectOfClassForKey<KWObject>("channelGroup"));
-    takeArchivedOwner(coder.decodeObjectOfClassForKey<KWObject>("owner"));
+    takeArchivedGroup(coder.decodeBackPointerOfClassForKey<KWObject>("channelGroup"));
+    takeArchivedOwner(coder.decodeBackPointerOfClassForKey<KWObject>("owner"));
 }
 
 // Version 1 brought the group, version 2 the unit type. The owner is in none.
@@ -231,7 +231,8 @@ void KWChannel::decodeInOrder(KWCoder& coder) {
     const std::int64_t version = coder.versionForClassName(classObject().name());
     _name = coder.decodeString("name").value_or(std::string());
     coder.decodeValueOfObjCTypeAt("i", &_colorIndex);
-    takeArchivedGroup(version >= 1 ? coder.decodeObjectOfClass<KWObject>("channelGroup") : nullptr);
+    takeArchivedGroup(version >= 1 ? coder.decodeBackPointerOfClass<KWObject>("channelGroup")
+                                   : nullptr);
     _unitType = KWUnitTypeNone;
     if (version >= 2)
         coder.decodeValueOfObjCTypeAt("i", &_unitType);

@@ -122,6 +122,8 @@ class KW_EXPORT KWArchiveValue {
 
     /// True for nil and for a reference back at an object that is gone.
     bool isNil() const;
+    /// Whether it is a reference that does not keep its object alive.
+    bool isBackReference() const { return std::holds_alternative<std::weak_ptr<KWObject>>(_value); }
 
     // Each answers null when the value is something else.
     const KWArchiveString* string() const;

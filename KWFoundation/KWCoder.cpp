@@ -70,6 +70,9 @@ bool KWCoder::containsValueForKey(std::string_view) const {
 KWArchiveValue KWCoder::decodeObjectForKey(std::string_view) {
     refuse();
 }
+KWArchiveValue KWCoder::decodeBackPointerForKey(std::string_view key) {
+    return decodeObjectForKey(key);
+}
 bool KWCoder::decodeBoolForKey(std::string_view) {
     refuse();
 }
@@ -136,6 +139,9 @@ void KWCoder::encodeDataObject(std::span<const std::byte>) {
 
 KWArchiveValue KWCoder::decodeObject() {
     refuse();
+}
+KWArchiveValue KWCoder::decodeBackPointer() {
+    return decodeObject();
 }
 void KWCoder::decodeValuesOfObjCTypesAt(const char*, std::initializer_list<void*>) {
     refuse();

@@ -68,6 +68,10 @@ class KW_EXPORT KWCoder {
 
     virtual bool containsValueForKey(std::string_view key) const;
     virtual KWArchiveValue decodeObjectForKey(std::string_view key);
+    /// The same, for a pointer that does not keep its object alive, such as one to a whole. What is
+    /// read in another way counts as kept alive where a reader that keeps unknown objects sees to
+    /// it that nothing keeps itself alive through them. A coder need not tell the two apart.
+    virtual KWArchiveValue decodeBackPointerForKey(std::string_view key);
     virtual bool decodeBoolForKey(std::string_view key);
     /// Any number will do; one that does not fit in the type is an error.
     virtual std::int32_t decodeInt32ForKey(std::string_view key);
@@ -118,6 +122,8 @@ class KW_EXPORT KWCoder {
     virtual void encodeDataObject(std::span<const std::byte> bytes);
 
     virtual KWArchiveValue decodeObject();
+    /// As decodeBackPointerForKey, without a key.
+    virtual KWArchiveValue decodeBackPointer();
     /// A single number may be read in another width than it was written in.
     virtual void decodeValuesOfObjCTypesAt(const char* types,
                                            std::initializer_list<void*> addresses);
@@ -158,6 +164,16 @@ class KW_EXPORT KWCoder {
     template <class T>
     std::shared_ptr<T> decodeObjectOfClass(std::string_view what) {
         return objectOfClass<T>(decodeObject(), what);
+    }
+
+    /// The same, for a pointer that does not keep its object alive.
+    template <class T>
+    std::shared_ptr<T> decodeBackPointerOfClassForKey(std::string_view key) {
+        return objectOfClass<T>(decodeBackPointerForKey(key), key);
+    }
+    template <class T>
+    std::shared_ptr<T> decodeBackPointerOfClass(std::string_view what) {
+        return objectOfClass<T>(decodeBackPointer(), what);
     }
 
     /// The list under the key, whose elements must be Ts and not nil; std::nullopt for nil.

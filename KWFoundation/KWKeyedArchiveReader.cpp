@@ -48,7 +48,8 @@ const char* kindText(Kind kind) {
 
 KWKeyedArchiveReader::KWKeyedArchiveReader(KWKeyedUnarchiver& unarchiver, KWPropertyList source,
                                            KWUnarchivingOptions wanted)
-    : owner(unarchiver), list(std::move(source)), options(wanted) {
+    : owner(unarchiver), list(std::move(source)), options(wanted),
+      cycles(wanted.keepsUnknownObjects) {
     readFrame();
 }
 
@@ -146,7 +147,7 @@ KWKeyedArchiveReader::Decoded& KWKeyedArchiveReader::stateOf(Slot slot) {
     return decoded[states.get()[slot] - 1];
 }
 
-KWArchiveValue KWKeyedArchiveReader::valueOf(Index reference, bool weakly) {
+KWArchiveValue KWKeyedArchiveReader::valueOf(Index reference) {
     const Index node = target(reference);
     if (node == none)
         return nullptr;
@@ -159,7 +160,7 @@ KWArchiveValue KWKeyedArchiveReader::valueOf(Index reference, bool weakly) {
             return known.value;
         if (known.value.isNil())
             damaged(reference, "a value that holds itself");
-        return weakly ? KWArchiveValue::backReference(known.value.object()) : known.value;
+        return KWArchiveValue::backReference(known.value.object());
     }
     const Level level(*this, reference);
     Decoded& state = stateOf(slot);
@@ -175,6 +176,8 @@ KWArchiveValue KWKeyedArchiveReader::valueOf(Index reference, bool weakly) {
         throw;
     }
     state.isBusy = false;
+    if (depth == 1)
+        cycles.cut(state.value);
     return state.value;
 }
 
@@ -368,12 +371,11 @@ KWArchiveValue KWKeyedArchiveReader::readArray(Index node, bool isMutable) {
         elements.reserve(references.size());
         for (const Index reference : references) {
             path.push_back({{}, static_cast<std::uint32_t>(elements.size())});
-            elements.push_back(valueOf(reference, true));
+            elements.push_back(valueOf(reference));
             path.pop_back();
         }
     });
-    return isMutable ? KWArchiveValue::mutableArray(std::move(elements))
-                     : KWArchiveValue::immutableArray(std::move(elements));
+    return cycles.array(std::move(elements), isMutable);
 }
 
 KWArchiveValue KWKeyedArchiveReader::readKnown(Index node, const ClassRecord& record,
@@ -382,12 +384,13 @@ KWArchiveValue KWKeyedArchiveReader::readKnown(Index node, const ClassRecord& re
         damaged(node, "the class \"" + record.chain.front() + "\" has no instances");
     const std::shared_ptr<KWObject> object = record.known->factory()();
     state.value = object;
-    return initialise(*object, node) ? state.value : KWArchiveValue();
+    return initialise(object, node) ? state.value : KWArchiveValue();
 }
 
-bool KWKeyedArchiveReader::initialise(KWObject& object, Index node) {
+bool KWKeyedArchiveReader::initialise(const std::shared_ptr<KWObject>& object, Index node) {
+    const KWArchiveCycles::Reading reading(cycles, object);
     const Index outer = std::exchange(frame, node);
-    const bool isThere = object.initWithCoder(owner);
+    const bool isThere = object->initWithCoder(owner);
     frame = outer;
     return isThere;
 }
@@ -405,6 +408,7 @@ KWArchiveValue KWKeyedArchiveReader::readUnknown(Index node, const ClassRecord& 
             break;
         }
     state.value = object;
+    cycles.addUnknown(object, contents);
 
     std::vector<KWArchiveField> fields;
     const std::uint32_t count = list.count(node);
@@ -420,7 +424,7 @@ KWArchiveValue KWKeyedArchiveReader::readUnknown(Index node, const ClassRecord& 
         path.pop_back();
     }
     contents->setFields(std::move(fields));
-    if (object != contents && !initialise(*object, node))
+    if (object != contents && !initialise(object, node))
         return nullptr;
     return state.value;
 }
@@ -431,7 +435,7 @@ KWArchiveField KWKeyedArchiveReader::field(std::string key, Index node) {
     switch (list.kind(node)) {
     case Kind::uid:
         made.form = KWArchiveField::Form::reference;
-        made.value = valueOf(node, true);
+        made.value = valueOf(node);
         return made;
     case Kind::string:
         made.value = string(node, false);
@@ -468,6 +472,24 @@ KWArchiveField KWKeyedArchiveReader::field(std::string key, Index node) {
         path.pop_back();
     }
     return made;
+}
+
+KWArchiveValue KWKeyedArchiveReader::objectForKey(std::string_view key, bool isHeld) {
+    return at(key, [&]() -> KWArchiveValue {
+        const Index node = entry(key);
+        if (node == none)
+            return nullptr;
+        if (isNumber(node))
+            return number(node);
+        KWArchiveValue value = valueOf(node);
+        if (const auto* array = value.array())
+            spend(array->elements.size() * sizeof(KWArchiveValue));
+        else if (const auto* string = value.string())
+            spend(string->text.size());
+        if (isHeld)
+            cycles.hold(value);
+        return value.isBackReference() ? KWArchiveValue(value.object()) : value;
+    });
 }
 
 Index KWKeyedArchiveReader::entry(std::string_view key) {

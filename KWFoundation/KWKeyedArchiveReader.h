@@ -1,6 +1,7 @@
 #pragma once
 
 #include <KWFoundation/KWArchiveCluster.h>
+#include <KWFoundation/KWArchiveCycles.h>
 #include <KWFoundation/KWCoder.h>
 #include <KWFoundation/KWKeyedUnarchiver.h>
 #include <KWFoundation/KWPropertyList.h>
@@ -87,8 +88,8 @@ struct KWKeyedArchiveReader {
 
     Decoded& stateOf(Slot slot);
 
-    /// `weakly` keeps a reference to an object that is still being read from keeping it alive.
-    KWArchiveValue valueOf(Index reference, bool weakly);
+    /// A back reference for an object that is still being read.
+    KWArchiveValue valueOf(Index reference);
 
     bool isNumber(Index node) const;
 
@@ -145,13 +146,16 @@ struct KWKeyedArchiveReader {
 
     KWArchiveValue readKnown(Index node, const ClassRecord& record, Decoded& state);
 
-    bool initialise(KWObject& object, Index node);
+    bool initialise(const std::shared_ptr<KWObject>& object, Index node);
 
     KWArchiveValue readUnknown(Index node, const ClassRecord& record, Decoded& state);
 
     KWArchiveField field(std::string key, Index node);
 
     // --- What the coder's calls come to.
+
+    /// What a class gets that asks for an object; `isHeld` tells whether it is one to keep alive.
+    KWArchiveValue objectForKey(std::string_view key, bool isHeld);
 
     /// The entry of the object being read under a key; none when there is none.
     Index entry(std::string_view key);
@@ -212,6 +216,7 @@ struct KWKeyedArchiveReader {
     /// are elements of lists that are never asked for one by one; theirs costs nothing.
     std::unique_ptr<Slot, Free> states;
     std::deque<Decoded> decoded;
+    KWArchiveCycles cycles;
     std::unordered_map<Index, ClassRecord> classes;
     Index frame = none;
     std::vector<Step> path;

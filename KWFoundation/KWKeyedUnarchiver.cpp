@@ -70,19 +70,11 @@ bool KWKeyedUnarchiver::containsValueForKey(std::string_view key) const {
 }
 
 KWArchiveValue KWKeyedUnarchiver::decodeObjectForKey(std::string_view key) {
-    return _reader->at(key, [&]() -> KWArchiveValue {
-        const Index node = _reader->entry(key);
-        if (node == none)
-            return nullptr;
-        if (_reader->isNumber(node))
-            return _reader->number(node);
-        const KWArchiveValue value = _reader->valueOf(node, false);
-        if (const auto* array = value.array())
-            _reader->spend(array->elements.size() * sizeof(KWArchiveValue));
-        else if (const auto* string = value.string())
-            _reader->spend(string->text.size());
-        return value;
-    });
+    return _reader->objectForKey(key, true);
+}
+
+KWArchiveValue KWKeyedUnarchiver::decodeBackPointerForKey(std::string_view key) {
+    return _reader->objectForKey(key, false);
 }
 
 bool KWKeyedUnarchiver::decodeBoolForKey(std::string_view key) {
@@ -190,7 +182,7 @@ bool KWKeyedUnarchiver::decodeRecordsForKey(std::vector<std::byte>& list, std::s
                 std::memcpy(list.data() + place, bytes.data(), std::min(bytes.size(), recordSize));
                 continue;
             }
-            const KWArchiveValue value = it.valueOf(references[k], true);
+            const KWArchiveValue value = it.valueOf(references[k]);
             if (!value.data())
                 it.damaged(node, "expected data, found " + value.kindName());
             std::memcpy(list.data() + place, value.data()->bytes.data(),

@@ -57,6 +57,7 @@ class KW_EXPORT KWKeyedUnarchiver : public KWCoder {
 
     bool containsValueForKey(std::string_view key) const override;
     KWArchiveValue decodeObjectForKey(std::string_view key) override;
+    KWArchiveValue decodeBackPointerForKey(std::string_view key) override;
     bool decodeBoolForKey(std::string_view key) override;
     std::int32_t decodeInt32ForKey(std::string_view key) override;
     std::int64_t decodeInt64ForKey(std::string_view key) override;

@@ -96,15 +96,12 @@ KWTypeLayout KWLayoutOfType(std::string_view type) {
     if (code != '{')
         return {0, 1, false};
     KWTypeLayout layout;
-    for (std::string_view rest = KWStructFields(type); !rest.empty();) {
-        const std::string_view field = KWFirstType(rest);
-        const KWTypeLayout inner = KWLayoutOfType(field);
-        layout.isPlain = layout.isPlain && inner.isPlain;
-        layout.alignment = std::max(layout.alignment, inner.alignment);
-        layout.size = (layout.size + inner.alignment - 1) / inner.alignment * inner.alignment;
-        layout.size += inner.size;
-        rest.remove_prefix(field.size());
-    }
+    KWForEachStructField(type,
+                         [&](std::string_view, const KWTypeLayout& field, std::size_t offset) {
+                             layout.isPlain = layout.isPlain && field.isPlain;
+                             layout.alignment = std::max(layout.alignment, field.alignment);
+                             layout.size = offset + field.size;
+                         });
     layout.size = (layout.size + layout.alignment - 1) / layout.alignment * layout.alignment;
     return layout;
 }

@@ -25,6 +25,21 @@ struct KWTypeLayout {
 };
 KWTypeLayout KWLayoutOfType(std::string_view type);
 
+/// Of a struct type calls `function` with the type of each field, its layout, and its offset in
+/// memory.
+template <class Function>
+void KWForEachStructField(std::string_view type, Function function) {
+    std::size_t offset = 0;
+    for (std::string_view rest = KWStructFields(type); !rest.empty();) {
+        const std::string_view field = KWFirstType(rest);
+        const KWTypeLayout layout = KWLayoutOfType(field);
+        offset = (offset + layout.alignment - 1) / layout.alignment * layout.alignment;
+        function(field, layout, offset);
+        offset += layout.size;
+        rest.remove_prefix(field.size());
+    }
+}
+
 inline bool KWIsIntegerType(char code) {
     return std::string_view("cCsSiIlLqQB").find(code) != std::string_view::npos;
 }

@@ -47,7 +47,7 @@ bool KWTypedStreamReader::readList(Element& element) {
                 element.known(each);
             return true;
         }
-        const KWArchiveValue value = valueOfLabel(label, true);
+        const KWArchiveValue value = valueOfLabel(label);
         if (!value.array())
             damaged("expected an array, found " + value.kindName());
         spend(value.array()->elements.size() * sizeof(KWArchiveValue));
@@ -136,7 +136,7 @@ struct KWTypedStreamReader::Floats {
         reader._labels[label] = {Label::Kind::number, static_cast<char>(number.type()), none, bits};
         list.push_back(number.floatValue());
     }
-    void known(std::uint32_t label) { value(reader.valueOfLabel(label, true)); }
+    void known(std::uint32_t label) { value(reader.valueOfLabel(label)); }
     void value(const KWArchiveValue& element) {
         if (!element.number())
             reader.damaged("expected a number, found " + element.kindName());
@@ -184,7 +184,7 @@ struct KWTypedStreamReader::Reals {
         if (found.kind == Label::Kind::real && found.index == place)
             list.push_back(std::bit_cast<float>(static_cast<std::uint32_t>(found.bits)));
         else
-            value(reader.valueOfLabel(label, true));
+            value(reader.valueOfLabel(label));
     }
     void value(const KWArchiveValue& element) {
         const auto object = element.object();
@@ -254,7 +254,7 @@ struct KWTypedStreamReader::Records {
         else if (found.kind == Label::Kind::record)
             put(reader._records[found.index], false);
         else
-            value(reader.valueOfLabel(label, true));
+            value(reader.valueOfLabel(label));
     }
     void value(const KWArchiveValue& element) {
         if (!element.data())

@@ -29,7 +29,7 @@ bool describesValues(std::string_view types, std::size_t count) {
 KWTypedStreamReader::KWTypedStreamReader(KWCoder& coder, std::span<const std::byte> bytes,
                                          KWUnarchivingOptions options, std::string file)
     : _coder(coder), _bytes(bytes), _options(options), _file(std::move(file)),
-      _budget((std::uint64_t{1} << 26) + 64 * bytes.size()) {
+      _cycles(options.keepsUnknownObjects), _budget((std::uint64_t{1} << 26) + 64 * bytes.size()) {
     readHeader();
 }
 
@@ -289,17 +289,10 @@ void KWTypedStreamReader::readOne(std::string_view type, void* address) {
         for (std::size_t k = 0; k < count; ++k)
             readOne(element, bytes + k * size);
     } else if (code == '{') {
-        std::size_t offset = 0;
-        for (std::string_view rest = KWStructFields(type); !rest.empty();) {
-            const std::string_view field = KWFirstType(rest);
-            const KWTypeLayout layout = KWLayoutOfType(field);
-            offset = (offset + layout.alignment - 1) / layout.alignment * layout.alignment;
-            readOne(field, bytes + offset);
-            offset += layout.size;
-            rest.remove_prefix(field.size());
-        }
+        KWForEachStructField(type, [&](std::string_view field, const KWTypeLayout&,
+                                       std::size_t offset) { readOne(field, bytes + offset); });
     } else if (code == '@') {
-        *static_cast<KWArchiveValue*>(address) = readObject(false);
+        *static_cast<KWArchiveValue*>(address) = takeObject(true);
     } else if (code == '*') {
         const std::string_view* text = readCString();
         auto& string = *static_cast<std::optional<std::string>*>(address);
@@ -373,117 +366,22 @@ KWData KWTypedStreamReader::readDataContents() {
     return {bytes.begin(), bytes.end()};
 }
 
-KWArchiveValue KWTypedStreamReader::readObjectValue() {
+/// What a class gets that asks for an object; `isHeld` tells whether it is one to keep alive.
+KWArchiveValue KWTypedStreamReader::takeObject(bool isHeld) {
+    KWArchiveValue value = readObject();
+    if (isHeld)
+        _cycles.hold(value);
+    return value.isBackReference() ? KWArchiveValue(value.object()) : value;
+}
+
+KWArchiveValue KWTypedStreamReader::readObjectValue(bool isHeld) {
     expectType("@");
-    KWArchiveValue value = readObject(false);
+    KWArchiveValue value = takeObject(isHeld);
     if (const auto* array = value.array())
         spend(array->elements.size() * sizeof(KWArchiveValue));
     else if (const auto* string = value.string())
         spend(string->text.size());
     return value;
-}
-
-// --- Values of unknown classes.
-
-void KWTypedStreamReader::readFields(std::vector<KWArchiveField>& items, std::string_view types) {
-    while (!types.empty()) {
-        const std::string_view type = KWFirstType(types);
-        if (type.empty())
-            damaged(shownTypes(types) + " describes no value that is known");
-        spend(sizeof(KWArchiveField) + type.size()); // types are looked through each time
-        items.push_back(readField(type));
-        types.remove_prefix(type.size());
-    }
-}
-
-KWArchiveField KWTypedStreamReader::readAnything() {
-    KWArchiveField field;
-    field.form = KWArchiveField::Form::list;
-    field.key = readType();
-    readFields(field.items, field.key);
-    return field;
-}
-
-KWArchiveField KWTypedStreamReader::readField(std::string_view type) {
-    if (type[0] != '{' && type[0] != '[')
-        return readSimpleField(type);
-    const InnerLevel level(*this);
-    return type[0] == '{' ? readStructField(type) : readArrayField(type);
-}
-
-KWArchiveField KWTypedStreamReader::readStructField(std::string_view type) {
-    KWArchiveField field;
-    field.form = KWArchiveField::Form::list;
-    readFields(field.items, KWStructFields(type));
-    return field;
-}
-
-KWArchiveField KWTypedStreamReader::readSimpleField(std::string_view type) {
-    KWArchiveField field;
-    field.form = KWArchiveField::Form::inlined;
-    const auto text = [&](const std::string_view* string) {
-        if (string) {
-            spend(string->size());
-            field.value = KWArchiveValue(*string);
-        }
-    };
-    switch (type[0]) {
-    case '@':
-        field.form = KWArchiveField::Form::reference;
-        field.value = readObject(true);
-        return field;
-    case '*':
-        text(readCString());
-        return field;
-    case ':':
-    case '%':
-        text(readSharedString());
-        return field;
-    case '+': {
-        const std::string_view string = readPlainString();
-        const auto bytes = std::as_bytes(std::span(string));
-        field.value = KWData(bytes.begin(), bytes.end());
-        return field;
-    }
-    case '#': {
-        const std::uint32_t aClass = readClass();
-        if (aClass != none) {
-            auto named = std::make_shared<KWUnknownObject>();
-            fillUnknown(*named, aClass);
-            field.value = named;
-        }
-        return field;
-    }
-    default:
-        field.value = readNumber(type[0]);
-        return field;
-    }
-}
-
-KWArchiveField KWTypedStreamReader::readArrayField(std::string_view type) {
-    KWArchiveField field;
-    field.form = KWArchiveField::Form::inlined;
-    std::size_t count = 0;
-    std::string_view element;
-    if (!KWArrayType(type, count, element) || count > remaining())
-        damaged(shownTypes(type) + " claims more values than there are bytes");
-    if (element == "c" || element == "C") {
-        const auto bytes = _bytes.subspan(_place, count);
-        _place += count;
-        field.value = KWData(bytes.begin(), bytes.end());
-    } else if (element.size() == 1 && (KWIsIntegerType(element[0]) || KWIsRealType(element[0]))) {
-        std::vector<KWArchiveValue> numbers;
-        for (std::size_t k = 0; k < count; ++k)
-            numbers.emplace_back(readNumber(element[0]));
-        field.value = KWArchiveValue::immutableArray(std::move(numbers));
-    } else {
-        field.form = KWArchiveField::Form::list;
-        for (std::size_t k = 0; k < count; ++k) {
-            spend(sizeof(KWArchiveField));
-            field.items.push_back(readField(element));
-        }
-    }
-    return field;
 }
 
 // --- Classes and objects.
@@ -546,13 +444,13 @@ void KWTypedStreamReader::endObject() {
     ++_place;
 }
 
-/// `weakly` keeps a reference to an object that is still being read from keeping it alive.
-KWArchiveValue KWTypedStreamReader::readObject(bool weakly) {
+/// A back reference for an object that is still being read.
+KWArchiveValue KWTypedStreamReader::readObject() {
     const auto head = take<std::int8_t>();
     if (head == nilHead)
         return nullptr;
     if (head != newHead)
-        return valueOfLabel(labelAfter(head), weakly);
+        return valueOfLabel(labelAfter(head));
     Object& object = _objects[newObject()];
     const std::uint32_t aClass = readClass();
     if (aClass == none)
@@ -561,10 +459,12 @@ KWArchiveValue KWTypedStreamReader::readObject(bool weakly) {
     object.value = readContents(aClass, object);
     object.isBusy = false;
     endObject();
+    if (_steps.size() == 1)
+        _cycles.cut(object.value);
     return object.value;
 }
 
-KWArchiveValue KWTypedStreamReader::valueOfLabel(std::uint32_t index, bool weakly) {
+KWArchiveValue KWTypedStreamReader::valueOfLabel(std::uint32_t index) {
     Label& label = _labels[index];
     switch (label.kind) {
     case Label::Kind::object: {
@@ -575,7 +475,7 @@ KWArchiveValue KWTypedStreamReader::valueOfLabel(std::uint32_t index, bool weakl
             return object.value;
         if (object.value.isNil())
             damaged("a value that holds itself");
-        return weakly ? KWArchiveValue::backReference(object.value.object()) : object.value;
+        return KWArchiveValue::backReference(object.value.object());
     }
     case Label::Kind::aClass:
     case Label::Kind::cString:
@@ -610,9 +510,8 @@ KWArchiveValue KWTypedStreamReader::listValue(const Label& label) {
     std::vector<KWArchiveValue> values;
     values.reserve(elements.size());
     for (const std::uint32_t element : elements)
-        values.push_back(valueOfLabel(element, true));
-    return label.code != 0 ? KWArchiveValue::mutableArray(std::move(values))
-                           : KWArchiveValue::immutableArray(std::move(values));
+        values.push_back(valueOfLabel(element));
+    return _cycles.array(std::move(values), label.code != 0);
 }
 
 KWNumber KWTypedStreamReader::numberOf(const Label& label) {
@@ -665,11 +564,10 @@ KWArchiveValue KWTypedStreamReader::readArray(bool isMutable) {
     for (std::int32_t k = 0; k < count; ++k) {
         _steps.back().index = static_cast<std::uint32_t>(k);
         expectType("@");
-        elements.push_back(readObject(true));
+        elements.push_back(readObject());
     }
     _steps.back().index = none;
-    return isMutable ? KWArchiveValue::mutableArray(std::move(elements))
-                     : KWArchiveValue::immutableArray(std::move(elements));
+    return _cycles.array(std::move(elements), isMutable);
 }
 
 /// A C string that names the type, then that type and a value of it.
@@ -690,38 +588,6 @@ KWArchiveValue KWTypedStreamReader::readKnown(const Class& aClass, Object& objec
         damaged("the class \"" + aClass.name + "\" has no instances");
     const std::shared_ptr<KWObject> made = aClass.known->factory()();
     object.value = made;
+    const KWArchiveCycles::Reading reading(_cycles, made);
     return made->initWithCoder(_coder) ? KWArchiveValue(made) : KWArchiveValue();
-}
-
-void KWTypedStreamReader::fillUnknown(KWUnknownObject& object, std::uint32_t aClass) {
-    std::vector<std::string> names;
-    std::vector<std::int32_t> versions;
-    for (; aClass != none; aClass = _classes[aClass].superclass) {
-        if (names.size() >= KWArchiveMaximumDepth)
-            fail(KWArchiveError::Kind::unsupported, "a class has more than " +
-                                                        std::to_string(KWArchiveMaximumDepth) +
-                                                        " superclasses");
-        spend(sizeof(std::string) + _classes[aClass].name.size());
-        names.push_back(_classes[aClass].name);
-        versions.push_back(_classes[aClass].version);
-    }
-    object.setClassChain(std::move(names));
-    object.setClassVersions(std::move(versions));
-}
-
-KWArchiveValue KWTypedStreamReader::readUnknown(std::uint32_t aClass, Object& object) {
-    const auto contents = std::make_shared<KWUnknownObject>();
-    fillUnknown(*contents, aClass);
-    std::shared_ptr<KWObject> made = contents;
-    for (std::uint32_t each = aClass; each != none && made == contents;
-         each = _classes[each].superclass)
-        if (const KWClass* known = _classes[each].known; known && known->standIn())
-            made = known->standIn()(contents);
-    object.value = made;
-    std::vector<KWArchiveField> fields;
-    while (peekHead() != endHead)
-        fields.push_back(readAnything());
-    contents->setFields(std::move(fields));
-    return made == contents || made->initWithCoder(_coder) ? KWArchiveValue(made)
-                                                           : KWArchiveValue();
 }

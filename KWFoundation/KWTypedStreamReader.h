@@ -1,6 +1,7 @@
 #pragma once
 
 #include <KWFoundation/KWArchiveCluster.h>
+#include <KWFoundation/KWArchiveCycles.h>
 #include <KWFoundation/KWCoder.h>
 #include <KWFoundation/KWUnarchiver.h>
 #include <KWFoundation/KWUnknownObject.h>
@@ -28,7 +29,8 @@ class KWTypedStreamReader {
     std::int64_t versionForClassName(std::string_view name) const;
 
     // Each reads its types, then what they describe.
-    KWArchiveValue readObjectValue();
+    /// `isHeld` tells whether the object is one to keep alive.
+    KWArchiveValue readObjectValue(bool isHeld);
     void readValues(std::string_view types, std::initializer_list<void*> addresses);
     void readArrayValue(std::string_view type, std::size_t count, void* address);
     KWData readBytesValue();
@@ -150,8 +152,9 @@ class KWTypedStreamReader {
     // Objects.
     std::uint32_t readClass();
     std::uint32_t newObject();
-    KWArchiveValue readObject(bool weakly);
-    KWArchiveValue valueOfLabel(std::uint32_t label, bool weakly);
+    KWArchiveValue readObject();
+    KWArchiveValue takeObject(bool isHeld);
+    KWArchiveValue valueOfLabel(std::uint32_t label);
     KWArchiveValue readContents(std::uint32_t aClass, Object& object);
     KWArchiveValue readKnown(const Class& aClass, Object& object);
     KWArchiveValue readUnknown(std::uint32_t aClass, Object& object);
@@ -177,6 +180,7 @@ class KWTypedStreamReader {
     std::span<const std::byte> _bytes;
     KWUnarchivingOptions _options;
     std::string _file;
+    KWArchiveCycles _cycles;
     std::size_t _place = 0;
     bool _isBigEndian = false;
     std::vector<std::string_view> _strings;

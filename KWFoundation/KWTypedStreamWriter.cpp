@@ -172,15 +172,8 @@ const void* KWTypedStreamWriter::writeOne(std::string_view type, const void* add
         return address;
     }
     if (code == '{') {
-        std::size_t offset = 0;
-        for (std::string_view rest = KWStructFields(type); !rest.empty();) {
-            const std::string_view field = KWFirstType(rest);
-            const KWTypeLayout layout = KWLayoutOfType(field);
-            offset = (offset + layout.alignment - 1) / layout.alignment * layout.alignment;
-            writeOne(field, bytes + offset);
-            offset += layout.size;
-            rest.remove_prefix(field.size());
-        }
+        KWForEachStructField(type, [&](std::string_view field, const KWTypeLayout&,
+                                       std::size_t offset) { writeOne(field, bytes + offset); });
         return bytes + KWLayoutOfType(type).size;
     }
     if (code == '@') {

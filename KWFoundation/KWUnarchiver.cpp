@@ -61,7 +61,11 @@ std::int64_t KWUnarchiver::versionForClassName(std::string_view className) const
 }
 
 KWArchiveValue KWUnarchiver::decodeObject() {
-    return _reader->readObjectValue();
+    return _reader->readObjectValue(true);
+}
+
+KWArchiveValue KWUnarchiver::decodeBackPointer() {
+    return _reader->readObjectValue(false);
 }
 
 void KWUnarchiver::decodeValuesOfObjCTypesAt(const char* types,

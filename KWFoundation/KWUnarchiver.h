@@ -51,6 +51,7 @@ class KW_EXPORT KWUnarchiver : public KWCoder {
     std::int64_t versionForClassName(std::string_view className) const override;
 
     KWArchiveValue decodeObject() override;
+    KWArchiveValue decodeBackPointer() override;
     void decodeValuesOfObjCTypesAt(const char* types,
                                    std::initializer_list<void*> addresses) override;
     void decodeArrayOfObjCTypeCountAt(const char* type, std::uint32_t count,

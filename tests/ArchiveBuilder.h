@@ -121,6 +121,20 @@ class ArchiveBuilder {
                             {"constValue", list.addDouble(static_cast<double>(value))}});
     }
 
+    /// `owner` 0 is none.
+    Number addAlgebricChannel(std::string_view name, std::int32_t mode = 1, Number owner = 0) {
+        const Number interpreter =
+            addInstance({"KWAlgebricInterpreter", "NSObject"},
+                        {{"algebricString", reference(0)}, {"mode", list.addInt(mode)}});
+        return addInstance({"KWAlgebricChannel", "KWChannel", "NSObject"},
+                           {{"name", reference(addString(name))},
+                            {"colorIndex", list.addInt(0)},
+                            {"channelGroup", reference(0)},
+                            {"unitType", list.addInt(32)},
+                            {"owner", reference(owner)},
+                            {"interpreter", reference(interpreter)}});
+    }
+
     Number addGroup(std::string_view name, const std::vector<Number>& channels) {
         return addInstance(
             {"KWChannelGroup", "NSObject"},

@@ -31,36 +31,6 @@ std::string number(const char* type, T value) {
     return written([&](KWArchiver& it) { it.encodeValueOfObjCTypeAt(type, &value); }).substr(3);
 }
 
-/// The worked example of the form.
-class Example final : public KWObject {
-  public:
-    static const KWClass& baseClass() {
-        static constinit KWClass theClass{"KWChannel", &KWObject::classObject, 2, nullptr};
-        return theClass;
-    }
-    const KWClass& isa() const override {
-        static constinit KWClass theClass{"KWKeyFramedChannel", &baseClass, 1, nullptr};
-        return theClass;
-    }
-    void encodeWithCoder(KWCoder& coder) const override {
-        const KWArchiveValue name("gain");
-        const float gain = 0.5F;
-        const std::int32_t count = 300;
-        const double two = 2;
-        const char on = 1;
-        coder.encodeObject(name);
-        coder.encodeConditionalObject(std::make_shared<Part>("peer"));
-        coder.encodeValueOfObjCTypeAt("f", &gain);
-        coder.encodeValueOfObjCTypeAt("i", &count);
-        coder.encodeValueOfObjCTypeAt("d", &two);
-        coder.encodeValueOfObjCTypeAt("c", &on);
-        const auto self = std::const_pointer_cast<KWObject>(shared_from_this());
-        coder.encodeObject(
-            KWArchiveValue::mutableArray({KWNumber(1.5F), KWNumber(7.0F), name, self}));
-        coder.encodeObject(dataOf("abc"));
-    }
-};
-
 /// Writes and reads itself in order: a name, parts, and a part that it does not own.
 class Knot final : public KWObject {
   public:

@@ -1,58 +1,11 @@
-#include "ChannelTestSupport.h"
+#include "ChannelArrayTestSupport.h"
 
-#include <KWBase/KWChannelArray.h>
-#include <KWBase/KWConstantChannel.h>
 #include <KWBase/KWKeyFramedChannel.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <random>
-
-namespace {
-
-std::shared_ptr<KWChannel> constant(std::string name, float value = 1) {
-    return channelWithNameInitialValueColor<KWConstantChannel>(std::move(name), value, 2);
-}
-
-std::string namesIn(const KWChannelList& list) {
-    std::string names;
-    for (const auto& channel : list)
-        names += channel->name() + " ";
-    return names;
-}
-
-/// Ungrouped channels a and b, a group "left" of c and d, and an empty group "right".
-struct Sample {
-    std::shared_ptr<KWChannel> a = constant("a", 1);
-    std::shared_ptr<KWChannel> b = constant("b", 2);
-    std::shared_ptr<KWChannel> c = constant("c", 3);
-    std::shared_ptr<KWChannel> d = constant("d", 4);
-    std::shared_ptr<KWChannelArray> array = std::make_shared<KWChannelArray>();
-
-    Sample() {
-        array->addChannel(a);
-        array->addChannel(b);
-        array->addGroupWithName("left");
-        array->addGroupWithName("right");
-        array->addChannelToGroup(c, 0);
-        array->addChannelToGroup(d, 0);
-    }
-    std::shared_ptr<KWChannelGroup> left() const { return array->channelGroupAtIndex(0); }
-};
-
-/// An array as an archive without these keys gives it.
-std::shared_ptr<KWChannelArray> arrayWithout(const Sample& sample,
-                                             std::initializer_list<std::string_view> keys) {
-    const auto coder = fieldsOf(*sample.array);
-    for (const auto key : keys)
-        coder->remove(key);
-    auto array = std::make_shared<KWChannelArray>();
-    EXPECT_TRUE(array->initWithCoder(*coder));
-    return array;
-}
-
-} // namespace
 
 TEST(KWChannelArray, IsNewEmpty) {
     const KWChannelArray array;
@@ -66,14 +19,14 @@ TEST(KWChannelArray, IsNewEmpty) {
 }
 
 TEST(KWChannelArray, CountsUngroupedAndGroupedChannels) {
-    const Sample sample;
+    const SampleArray sample;
     EXPECT_EQ(sample.array->channelCount(), 4U);
     EXPECT_EQ(sample.array->channelGroupCount(), 2U);
     EXPECT_EQ(sample.array->ungroupedChannels()->size(), 2U);
 }
 
 TEST(KWChannelArray, AddingUngroupedSetsNeitherGroupNorOwner) {
-    const Sample sample;
+    const SampleArray sample;
     EXPECT_EQ(sample.a->channelGroup(), nullptr);
     EXPECT_EQ(sample.a->owner(), nullptr);
     sample.array->addChannel(sample.a);
@@ -85,7 +38,7 @@ TEST(KWChannelArray, AddingUngroupedSetsNeitherGroupNorOwner) {
 }
 
 TEST(KWChannelArray, AddsToTheGroupOfAnIndexOrToTheUngrouped) {
-    const Sample sample;
+    const SampleArray sample;
     const auto e = constant("e");
     sample.array->addChannelToGroup(e, 1);
     EXPECT_EQ(e->channelGroup(), sample.array->channelGroupAtIndex(1));
@@ -96,7 +49,7 @@ TEST(KWChannelArray, AddsToTheGroupOfAnIndexOrToTheUngrouped) {
 }
 
 TEST(KWChannelArray, AddingToAGroupThatIsNotThereIsIgnored) {
-    const Sample sample;
+    const SampleArray sample;
     const auto e = constant("e");
     for (const std::uint32_t group : {2U, 3U, 0xfffffffeU})
         sample.array->addChannelToGroup(e, group);
@@ -107,7 +60,7 @@ TEST(KWChannelArray, AddingToAGroupThatIsNotThereIsIgnored) {
 // --- Replacing.
 
 TEST(KWChannelArray, ReplacesAnUngroupedChannelInPlaceWithoutTouchingGroups) {
-    const Sample sample;
+    const SampleArray sample;
     const auto e = constant("e");
     sample.array->addChannel(sample.c);
     EXPECT_TRUE(sample.array->replaceChannelWith(sample.a, e));
@@ -120,7 +73,7 @@ TEST(KWChannelArray, ReplacesAnUngroupedChannelInPlaceWithoutTouchingGroups) {
 }
 
 TEST(KWChannelArray, ReplacesAGroupedChannelInItsGroup) {
-    const Sample sample;
+    const SampleArray sample;
     const auto e = constant("e");
     EXPECT_TRUE(sample.array->replaceChannelWith(sample.c, e));
     EXPECT_EQ(namesIn(*sample.left()->channels()), "e d ");
@@ -129,8 +82,8 @@ TEST(KWChannelArray, ReplacesAGroupedChannelInItsGroup) {
 }
 
 TEST(KWChannelArray, ReplacesInTheOldChannelsGroupAlsoOfAnotherArray) {
-    const Sample sample;
-    const Sample other;
+    const SampleArray sample;
+    const SampleArray other;
     const auto e = constant("e");
     EXPECT_TRUE(sample.array->replaceChannelWith(other.d, e));
     EXPECT_EQ(namesIn(*other.left()->channels()), "c e ");
@@ -138,7 +91,7 @@ TEST(KWChannelArray, ReplacesInTheOldChannelsGroupAlsoOfAnotherArray) {
 }
 
 TEST(KWChannelArray, ReplacingByAChannelWithAnOwnerChangesNothing) {
-    const Sample sample;
+    const SampleArray sample;
     const auto e = constant("e");
     CountingOwner owner;
     e->setOwner(&owner);
@@ -149,7 +102,7 @@ TEST(KWChannelArray, ReplacingByAChannelWithAnOwnerChangesNothing) {
 }
 
 TEST(KWChannelArray, ReplacingNullTheSameOrAStrangerChangesNothing) {
-    const Sample sample;
+    const SampleArray sample;
     const auto e = constant("e");
     EXPECT_FALSE(sample.array->replaceChannelWith(nullptr, e));
     EXPECT_FALSE(sample.array->replaceChannelWith(sample.a, nullptr));
@@ -159,7 +112,7 @@ TEST(KWChannelArray, ReplacingNullTheSameOrAStrangerChangesNothing) {
 }
 
 TEST(KWChannelArray, IsTheOwnerThroughWhichAChannelIsReplaced) {
-    const Sample sample;
+    const SampleArray sample;
     sample.array->setChannelsOwner(sample.array.get());
     KWChannelOwner* const owner = sample.c->owner();
     ASSERT_EQ(owner, sample.array.get());
@@ -172,7 +125,7 @@ TEST(KWChannelArray, IsTheOwnerThroughWhichAChannelIsReplaced) {
 // --- By index and group.
 
 TEST(KWChannelArray, AddressesChannelsByIndexAndGroup) {
-    const Sample sample;
+    const SampleArray sample;
     const auto& array = *sample.array;
     EXPECT_EQ(array.channelAtIndexInGroup(1, KWUngroupedChannels), sample.b);
     EXPECT_EQ(array.channelAtIndexInGroup(1, 0), sample.d);
@@ -182,7 +135,7 @@ TEST(KWChannelArray, AddressesChannelsByIndexAndGroup) {
 }
 
 TEST(KWChannelArray, SetsAValueThroughTheChannel) {
-    const Sample sample;
+    const SampleArray sample;
     NoticeCounter notices(sample.d.get());
     sample.array->setChannelValueAtIndexInGroupForTime(9, 1, 0, KWTime(0));
     EXPECT_EQ(sample.d->valueForTime(KWTime(0)), 9);
@@ -192,7 +145,7 @@ TEST(KWChannelArray, SetsAValueThroughTheChannel) {
 }
 
 TEST(KWChannelArray, ABadIndexOrGroupRaises) {
-    const Sample sample;
+    const SampleArray sample;
     auto& array = *sample.array;
     const std::pair<std::uint32_t, std::uint32_t> bad[] = {
         {2, KWUngroupedChannels}, {2, 0}, {0, 1}, {0, 2}, {0xffffffff, 0}, {0, 0xfffffffe}};
@@ -207,7 +160,7 @@ TEST(KWChannelArray, ABadIndexOrGroupRaises) {
 }
 
 TEST(KWChannelArray, AListenerMayTakeOutTheChannelWhoseValueIsSet) {
-    Sample sample;
+    SampleArray sample;
     sample.d.reset();
     NoticeCounter notices(nullptr, [&] { sample.left()->removeAllChannels(); });
     sample.array->setChannelValueAtIndexInGroupForTime(9, 1, 0, KWTime(0));
@@ -254,7 +207,7 @@ TEST(KWChannelArray, WithOneEmptyGroupAnswersANewListEqualToTheLiveOne) {
 }
 
 TEST(KWChannelArray, AnswersUngroupedChannelsThenEachGroups) {
-    const Sample sample;
+    const SampleArray sample;
     sample.array->addChannelToGroup(constant("e"), 1);
     EXPECT_EQ(namesIn(*sample.array->channels()), "a b c d e ");
     EXPECT_EQ(namesIn(sample.array->channelEnumerator()), "a b c d e ");
@@ -271,14 +224,14 @@ TEST(KWChannelArray, AnEnumerationStaysAsItWas) {
 // --- Groups.
 
 TEST(KWChannelArray, AnswersNoGroupBeyondTheLast) {
-    const Sample sample;
+    const SampleArray sample;
     EXPECT_EQ(sample.array->channelGroupAtIndex(1)->name(), "right");
     EXPECT_EQ(sample.array->channelGroupAtIndex(2), nullptr);
     EXPECT_EQ(sample.array->channelGroupAtIndex(KWUngroupedChannels), nullptr);
 }
 
 TEST(KWChannelArray, FindsTheFirstGroupOfAName) {
-    const Sample sample;
+    const SampleArray sample;
     sample.array->addGroupWithName("left");
     sample.array->addGroupWithName("");
     EXPECT_EQ(sample.array->channelGroupCount(), 4U);
@@ -289,7 +242,7 @@ TEST(KWChannelArray, FindsTheFirstGroupOfAName) {
 }
 
 TEST(KWChannelArray, AnUnknownGroupNameHasTheIndexOfTheUngrouped) {
-    const Sample sample;
+    const SampleArray sample;
     EXPECT_EQ(sample.array->indexOfGroupNamed("Left"), KWUngroupedChannels);
     EXPECT_EQ(sample.array->indexOfGroupNamed("nowhere"), 0xffffffffU);
     EXPECT_EQ(sample.array->groupWithName("nowhere"), nullptr);
@@ -298,7 +251,7 @@ TEST(KWChannelArray, AnUnknownGroupNameHasTheIndexOfTheUngrouped) {
 }
 
 TEST(KWChannelArray, ARemovedGroupKeepsItsChannels) {
-    const Sample sample;
+    const SampleArray sample;
     const auto left = sample.left();
     sample.array->removeGroup(left);
     EXPECT_EQ(sample.array->channelGroupCount(), 1U);
@@ -315,7 +268,7 @@ TEST(KWChannelArray, ARemovedGroupKeepsItsChannels) {
 // --- All of them.
 
 TEST(KWChannelArray, SetsTheOwnerOfEveryChannel) {
-    const Sample sample;
+    const SampleArray sample;
     CountingOwner owner;
     sample.array->setChannelsOwner(&owner);
     for (const auto& channel : sample.array->channelEnumerator())
@@ -337,7 +290,7 @@ TEST(KWChannelArray, DependsOnTimeWhenAnyChannelDoes) {
 }
 
 TEST(KWChannelArray, ACopySharesNoChannelAndNoGroup) {
-    const Sample sample;
+    const SampleArray sample;
     const auto copy = sample.array->copy();
     const KWChannelList before = *sample.array->channels();
     const KWChannelList after = *copy->channels();
@@ -356,13 +309,13 @@ TEST(KWChannelArray, ACopySharesNoChannelAndNoGroup) {
 }
 
 TEST(KWChannelArray, ACopyOfAChannelWithoutCopyIsRefused) {
-    const Sample sample;
+    const SampleArray sample;
     sample.array->addChannel(std::make_shared<KWChannel>());
     EXPECT_THROW(sample.array->copy(), std::invalid_argument);
 }
 
 TEST(KWChannelArray, NullElementsKeepTheirPlaceAndArePassedOver) {
-    Sample x;
+    SampleArray x;
     x.array->ungroupedChannels()->insert(x.array->ungroupedChannels()->begin(), nullptr);
     x.left()->channels()->push_back(nullptr);
     x.array->channelGroups()->insert(x.array->channelGroups()->begin(), nullptr);
@@ -485,151 +438,5 @@ TEST(KWChannelArray, RandomEditsFollowAPlainModel) {
             ASSERT_EQ(array.channelEnumerator(), all);
             ASSERT_EQ(array.channelCount(), all.size());
         }
-    }
-}
-
-// --- Archives.
-
-TEST(KWChannelArray, EncodesItsChannelsThenItsGroups) {
-    const Sample sample;
-    const auto coder = fieldsOf(*sample.array);
-    EXPECT_EQ(coder->calls(), "channels:object channelGroups:object");
-    const KWArchiveArray* const channels = coder->valueForKey("channels").array();
-    const KWArchiveArray* const groups = coder->valueForKey("channelGroups").array();
-    ASSERT_NE(channels, nullptr);
-    ASSERT_NE(groups, nullptr);
-    EXPECT_TRUE(channels->isMutable);
-    EXPECT_TRUE(groups->isMutable);
-    ASSERT_EQ(channels->elements.size(), 2U);
-    EXPECT_EQ(channels->elements[0].object(), sample.a);
-    ASSERT_EQ(groups->elements.size(), 2U);
-    EXPECT_EQ(groups->elements[0].object(), sample.left());
-}
-
-TEST(KWChannelArray, AKeyedArchiveHoldsBothListsAsMutableArrays) {
-    const Sample sample;
-    const ArchiveReader archive(KWKeyedArchiver::archivedDataWithRootObject(sample.array));
-    const auto root = archive.rootObject();
-    EXPECT_EQ(archive.keysOf(root), "channels channelGroups");
-    EXPECT_EQ(archive.classesOf(root), "KWChannelArray NSObject");
-    for (const char* key : {"channels", "channelGroups"})
-        EXPECT_EQ(archive.classesOf(archive.objectField(root, key)),
-                  "NSMutableArray NSArray NSObject");
-}
-
-TEST(KWChannelArray, AKeyedRoundTripKeepsGroupsLinksAndOwners) {
-    const Sample sample;
-    sample.array->setChannelsOwner(sample.array.get());
-    for (const auto format : {KWPropertyList::Format::binary, KWPropertyList::Format::xml}) {
-        const auto read = archivedAndRead(sample.array, format);
-        ASSERT_NE(read, nullptr);
-        EXPECT_EQ(namesIn(*read->channels()), "a b c d ");
-        ASSERT_EQ(read->channelGroupCount(), 2U);
-        EXPECT_EQ(read->channelGroupAtIndex(1)->name(), "right");
-        EXPECT_EQ(read->channelAtIndexInGroup(0, 0)->channelGroup(), read->channelGroupAtIndex(0));
-        EXPECT_EQ(read->channelAtIndexInGroup(0, KWUngroupedChannels)->channelGroup(), nullptr);
-        for (const auto& channel : read->channelEnumerator())
-            EXPECT_EQ(channel->owner(), read.get());
-        EXPECT_EQ(read->getChannelValueAtIndexInGroupForTime(1, 0, KWTime(3)), 4);
-        read->addGroupWithName("more");
-        EXPECT_EQ(read->channelGroupCount(), 3U);
-    }
-}
-
-TEST(KWChannelArray, AChannelInTwoListsComesBackAsOne) {
-    const Sample sample;
-    sample.array->addChannel(sample.c);
-    const auto read = archivedAndRead(sample.array);
-    ASSERT_NE(read, nullptr);
-    EXPECT_EQ(read->channelAtIndexInGroup(2, KWUngroupedChannels),
-              read->channelAtIndexInGroup(0, 0));
-}
-
-TEST(KWChannelArray, WhatWasReadIsLetGoAltogether) {
-    const Sample sample;
-    sample.array->setChannelsOwner(sample.array.get());
-    auto read = archivedAndRead(sample.array);
-    const std::weak_ptr<KWChannel> channel = read->channelAtIndexInGroup(0, 0);
-    const std::weak_ptr<KWChannelGroup> group = read->channelGroupAtIndex(0);
-    const std::weak_ptr<KWChannelArray> array = read;
-    read.reset();
-    EXPECT_TRUE(channel.expired());
-    EXPECT_TRUE(group.expired());
-    EXPECT_TRUE(array.expired());
-}
-
-TEST(KWChannelArray, WithoutAGroupListHasNoGroupsAndGetsNone) {
-    const auto array = arrayWithout(Sample(), {"channelGroups"});
-    EXPECT_EQ(array->channelGroups(), nullptr);
-    EXPECT_EQ(array->channelGroupCount(), 0U);
-    array->addGroupWithName("g");
-    EXPECT_EQ(array->channelGroupCount(), 0U);
-    EXPECT_EQ(array->groupWithName("g"), nullptr);
-    EXPECT_EQ(array->indexOfGroupNamed("g"), KWUngroupedChannels);
-    EXPECT_EQ(array->channelGroupAtIndex(0), nullptr);
-    array->removeGroup(nullptr);
-    array->addChannelToGroup(constant("e"), 0);
-    EXPECT_EQ(array->channelCount(), 2U);
-    EXPECT_EQ(array->channels(), array->ungroupedChannels());
-    EXPECT_THROW(array->channelAtIndexInGroup(0, 0), std::out_of_range);
-    EXPECT_EQ(array->copy()->channelCount(), 2U);
-    EXPECT_TRUE(fieldsOf(*array)->valueForKey("channelGroups").isNil());
-}
-
-TEST(KWChannelArray, WithoutAChannelListTakesNoUngroupedChannels) {
-    const auto array = arrayWithout(Sample(), {"channels"});
-    EXPECT_EQ(array->ungroupedChannels(), nullptr);
-    array->addChannel(constant("e"));
-    array->addChannelToGroup(constant("e"), KWUngroupedChannels);
-    EXPECT_EQ(array->channelCount(), 2U);
-    EXPECT_EQ(namesIn(*array->channels()), "c d ");
-    EXPECT_THROW(array->channelAtIndexInGroup(0, KWUngroupedChannels), std::out_of_range);
-    EXPECT_FALSE(array->replaceChannelWith(constant("e"), constant("f")));
-    array->setChannelsOwner(array.get());
-    EXPECT_TRUE(array->dependsOnTime());
-    EXPECT_EQ(array->copy()->channelCount(), 2U);
-    EXPECT_TRUE(fieldsOf(*array)->valueForKey("channels").isNil());
-}
-
-TEST(KWChannelArray, WithoutBothListsAnswersNoList) {
-    const auto array = arrayWithout(Sample(), {"channels", "channelGroups"});
-    EXPECT_EQ(array->channels(), nullptr);
-    EXPECT_TRUE(array->channelEnumerator().empty());
-    EXPECT_EQ(array->channelCount(), 0U);
-    EXPECT_FALSE(array->dependsOnTime());
-    const auto read = archivedAndRead(array);
-    ASSERT_NE(read, nullptr);
-    EXPECT_EQ(read->channels(), nullptr);
-}
-
-TEST(KWChannelArray, AGroupWithoutAListCountsAsEmptyInItsArray) {
-    MemoryCoder empty;
-    const auto hollow = std::make_shared<KWChannelGroup>();
-    hollow->initWithCoder(empty);
-    const Sample sample;
-    sample.array->channelGroups()->push_back(hollow);
-    EXPECT_EQ(sample.array->channelCount(), 4U);
-    EXPECT_EQ(namesIn(*sample.array->channels()), "a b c d ");
-    EXPECT_THROW(sample.array->channelAtIndexInGroup(0, 2), std::out_of_range);
-    sample.array->addChannelToGroup(constant("e"), 2);
-    EXPECT_EQ(sample.array->channelCount(), 4U);
-}
-
-TEST(KWChannelArray, ListsThatHoldSomethingElseAreErrorsOfTheArchive) {
-    const auto channel = KWArchiveValue(constant("a"));
-    const auto group = KWArchiveValue(std::make_shared<KWChannelGroup>());
-    const std::pair<const char*, KWArchiveValue> wrong[] = {
-        {"channels", KWArchiveValue::mutableArray({group})},
-        {"channels", channel},
-        {"channels", KWArchiveValue::mutableArray({nullptr})},
-        {"channelGroups", KWArchiveValue::mutableArray({channel})},
-        {"channelGroups", KWArchiveValue("text")},
-        {"channelGroups", KWArchiveValue::mutableArray({nullptr})},
-    };
-    for (const auto& [key, value] : wrong) {
-        MemoryCoder coder;
-        coder.put("object", key, value);
-        KWChannelArray array;
-        EXPECT_THROW(array.initWithCoder(coder), KWArchiveError) << key;
     }
 }

@@ -29,27 +29,6 @@ std::vector<std::string> objectsOf(const KWArchiveValue& root) {
     return objectsOf(archiver.finishPropertyList());
 }
 
-/// The worked example of the form: a keyframed channel's class with a few fields.
-class Example final : public KWObject {
-  public:
-    static const KWClass& baseClass() {
-        static constinit KWClass theClass{"KWChannel", &KWObject::classObject, 2, nullptr};
-        return theClass;
-    }
-    const KWClass& isa() const override {
-        static constinit KWClass theClass{"KWKeyFramedChannel", &baseClass, 1, nullptr};
-        return theClass;
-    }
-    void encodeWithCoder(KWCoder& coder) const override {
-        coder.encodeObjectForKey("gain", "name");
-        coder.encodeConditionalObjectForKey(std::make_shared<Part>("peer"), "peer");
-        coder.encodeFloatForKey(0.5F, "gain");
-        coder.encodeInt32ForKey(-5, "keys");
-        coder.encodeDoubleForKey(2.0, "d");
-        coder.encodeBoolForKey(true, "on");
-    }
-};
-
 } // namespace
 
 TEST(KWKeyedArchiver, WritesTheFourKeysOfTheFrame) {

@@ -1,6 +1,6 @@
-#include "ArchiveTestClasses.h"
+#include "KeyedArchiveText.h"
 #include "PropertyListText.h"
-#include "TestFiles.h"
+#include "UnarchiverTestSupport.h"
 
 #include <KWFoundation/KWKeyedArchiver.h>
 #include <KWFoundation/KWKeyedUnarchiver.h>
@@ -8,9 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
-#include <functional>
 #include <random>
 
 namespace {
@@ -19,53 +17,9 @@ using Format = KWPropertyList::Format;
 using Index = KWPropertyList::Index;
 using Kind = KWArchiveError::Kind;
 
-/// Writes archives by hand: objects as XML, from slot 1 on.
-KWData archive(const std::vector<std::string>& objects, const std::string& top = "root") {
-    std::string text = "<plist><dict><key>$version</key><integer>100000</integer>"
-                       "<key>$archiver</key><string>NSKeyedArchiver</string><key>$top</key><dict>"
-                       "<key>" +
-                       top +
-                       "</key><dict><key>CF$UID</key><integer>1</integer></dict>"
-                       "</dict><key>$objects</key><array><string>$null</string>";
-    for (const std::string& object : objects)
-        text += object;
-    return dataOf(text + "</array></dict></plist>");
-}
-
-std::string uid(int slot) {
-    return "<dict><key>CF$UID</key><integer>" + std::to_string(slot) + "</integer></dict>";
-}
-
-std::string classRecord(const std::string& names) {
-    const std::string first = names.substr(0, names.find(' '));
-    std::string text =
-        "<dict><key>$classname</key><string>" + first + "</string><key>$classes</key><array>";
-    for (std::size_t start = 0; start != std::string::npos;) {
-        const std::size_t end = names.find(' ', start);
-        text += "<string>" + names.substr(start, end - start) + "</string>";
-        start = end == std::string::npos ? end : end + 1;
-    }
-    return text + "</array></dict>";
-}
-
-std::string instance(const std::string& fields, int classSlot) {
-    return "<dict>" + fields + "<key>$class</key>" + uid(classSlot) + "</dict>";
-}
-
-std::string field(const std::string& key, const std::string& value) {
-    return "<key>" + key + "</key>" + value;
-}
-
 void expectError(const KWData& bytes, Kind kind, const std::string& part,
                  KWUnarchivingOptions options = {}) {
-    try {
-        KWKeyedUnarchiver::unarchiveValueWithData(bytes, options, "sample.doc");
-        FAIL() << "read without an error";
-    } catch (const KWArchiveError& error) {
-        EXPECT_EQ(error.kind(), kind) << error.what();
-        EXPECT_NE(std::string(error.what()).find(part), std::string::npos) << error.what();
-        EXPECT_EQ(error.file(), "sample.doc");
-    }
+    expectErrorOf<KWKeyedUnarchiver>(bytes, kind, part, options);
 }
 
 KWArchiveValue read(const std::vector<std::string>& objects) {
@@ -75,8 +29,6 @@ KWArchiveValue read(const std::vector<std::string>& objects) {
 KWData written(const KWArchiveValue& root, Format format) {
     return KWKeyedArchiver::archivedDataWithRootObject(root, format);
 }
-
-constexpr KWUnarchivingOptions keeping{.keepsUnknownObjects = true};
 
 } // namespace
 
@@ -563,37 +515,11 @@ TEST(KWKeyedUnarchiver, ARootOfAnotherKindIsNoObject) {
 }
 
 TEST(KWKeyedUnarchiver, ReadsTheObjectOfAFileOrSaysWhyNot) {
-    const TemporaryFolder folder;
-    const auto path = folder.path() / "part.plist";
-    const auto read = [&](KWUnarchivingOptions options = {}) {
-        return KWKeyedUnarchiver::unarchiveObjectWithFile(path, options);
-    };
-    const auto expectFailure = [&](Kind kind, const std::string& reason) {
-        try {
-            read();
-            FAIL() << "read without an error";
-        } catch (const KWArchiveError& error) {
-            EXPECT_EQ(error.kind(), kind);
-            EXPECT_EQ(error.reason(), reason);
-            EXPECT_EQ(error.file(), path.string());
-        }
-    };
-    expectFailure(Kind::cannotRead, "No such file or directory");
-    for (const Format format : {Format::binary, Format::xml}) {
-        {
-            const Registration known(Part::classObject());
-            KWKeyedArchiver::archiveRootObjectToFile(std::make_shared<Part>("lid"), path, format);
-            const auto part = std::dynamic_pointer_cast<Part>(read());
-            ASSERT_TRUE(part);
-            EXPECT_EQ(part->name, "lid");
-        }
-        EXPECT_THROW(read(), KWArchiveError);
-        EXPECT_TRUE(std::dynamic_pointer_cast<KWUnknownObject>(read(keeping)));
-        KWKeyedArchiver::archiveRootObjectToFile("text", path, format);
-        expectFailure(Kind::damaged, "expected an object, found a string");
-        KWKeyedArchiver::archiveRootObjectToFile(nullptr, path, format);
-        expectFailure(Kind::damaged, "expected an object, found nil");
-    }
+    for (const Format format : {Format::binary, Format::xml})
+        expectObjectOfFileOrReason<KWKeyedUnarchiver>(
+            [format](const KWArchiveValue& root, const std::filesystem::path& path) {
+                KWKeyedArchiver::archiveRootObjectToFile(root, path, format);
+            });
 }
 
 TEST(KWKeyedUnarchiver, NothingCutOrFlippedBreaksIt) {
@@ -627,51 +553,13 @@ TEST(KWKeyedUnarchiver, NothingCutOrFlippedBreaksIt) {
 
 TEST(KWKeyedUnarchiver, RandomGraphsComeBack) {
     const Registration known(Part::classObject());
+    const Registration moment(KWValueClass<Moment>::classObject());
     for (unsigned seed = 0; seed < 100; ++seed) {
-        std::mt19937 random(seed);
-        std::vector<std::shared_ptr<Part>> all;
-        const auto count = static_cast<unsigned>(1 + random() % 40);
-        for (unsigned k = 0; k < count; ++k) {
-            all.push_back(std::make_shared<Part>(std::to_string(k)));
-            all[k]->gain = std::bit_cast<float>(static_cast<std::uint32_t>(random() & 0x7f7fffff));
-            if (k > 0)
-                all[random() % k]->parts.push_back(all[k]);
-        }
-        for (unsigned k = 0; k < count; ++k) {
-            all[k]->peer = all[random() % count];
-            if (random() % 3 == 0)
-                all[k]->parts.push_back(all[random() % count]);
-            if (random() % 3 == 0)
-                all[k]->other = KWArchiveValue::backReference(all[random() % count]);
-        }
+        const auto parts = randomParts(seed);
         const auto format = seed % 2 ? Format::binary : Format::xml;
-        const auto root = std::dynamic_pointer_cast<Part>(
-            KWKeyedUnarchiver::unarchiveObjectWithData(written(all[0], format)));
-        std::vector<std::shared_ptr<Part>> seen(count);
-        std::function<void(const std::shared_ptr<Part>&)> compare =
-            [&](const std::shared_ptr<Part>& part) {
-                const std::size_t k = std::stoul(part->name);
-                if (seen[k]) {
-                    EXPECT_EQ(seen[k], part);
-                    return;
-                }
-                seen[k] = part;
-                EXPECT_EQ(std::bit_cast<std::uint32_t>(part->gain),
-                          std::bit_cast<std::uint32_t>(all[k]->gain));
-                EXPECT_EQ(part->peer.lock()->name, all[k]->peer.lock()->name);
-                ASSERT_EQ(part->parts.size(), all[k]->parts.size());
-                for (std::size_t m = 0; m < part->parts.size(); ++m) {
-                    EXPECT_EQ(part->parts[m]->name, all[k]->parts[m]->name);
-                    compare(part->parts[m]);
-                }
-                EXPECT_EQ(part->other.isNil(), all[k]->other.isNil());
-            };
-        compare(root);
-        for (unsigned k = 0; k < count; ++k) {
-            EXPECT_TRUE(seen[k]);
-            all[k]->parts.clear();
-            seen[k]->parts.clear();
-            seen[k]->other = nullptr;
-        }
+        expectParts(std::dynamic_pointer_cast<Part>(
+                        KWKeyedUnarchiver::unarchiveObjectWithData(written(parts[0], format))),
+                    parts);
+        Part::partAll();
     }
 }

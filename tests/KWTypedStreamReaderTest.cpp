@@ -1,5 +1,5 @@
 #include "SequentialBytes.h"
-#include "TestFiles.h"
+#include "UnarchiverTestSupport.h"
 
 #include <KWFoundation/KWArchiveError.h>
 #include <KWFoundation/KWArchiver.h>
@@ -23,17 +23,8 @@ KWData stream(const std::string& body) {
 
 void expectError(const KWData& bytes, Kind kind, const std::string& part,
                  KWUnarchivingOptions options = {}) {
-    try {
-        KWUnarchiver::unarchiveValueWithData(bytes, options, "sample.doc");
-        FAIL() << "read without an error";
-    } catch (const KWArchiveError& error) {
-        EXPECT_EQ(error.kind(), kind) << error.what();
-        EXPECT_NE(std::string(error.what()).find(part), std::string::npos) << error.what();
-        EXPECT_EQ(error.file(), "sample.doc");
-    }
+    expectErrorOf<KWUnarchiver>(bytes, kind, part, options);
 }
-
-constexpr KWUnarchivingOptions keeping{.keepsUnknownObjects = true};
 
 /// Writes calls of every kind, which ones its number decides.
 class Anything final : public KWObject {

@@ -84,3 +84,9 @@ class Copier {
 List::Index kwCopyPropertyListNode(const List& from, List::Index node, List& to) {
     return Copier(from, to).copy(node, 0);
 }
+
+KWPropertyList kwCopyPropertyList(const KWPropertyList& from) {
+    KWPropertyList copy;
+    copy.setRoot(kwCopyPropertyListNode(from, from.root(), copy));
+    return copy;
+}
