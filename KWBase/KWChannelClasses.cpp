@@ -1,3 +1,4 @@
+#include <KWBase/KWAlgebricChannel.h>
 #include <KWBase/KWChannelArray.h>
 #include <KWBase/KWConstantChannel.h>
 #include <KWBase/KWKeyFramedChannel.h>
@@ -10,6 +11,8 @@ bool KWRegisterChannelClasses() {
     KWRegisterClass(KWChannel::classObject());
     KWRegisterClass(KWConstantChannel::classObject());
     KWRegisterClass(KWKeyFramedChannel::classObject());
+    KWRegisterClass(KWAlgebricInterpreter::classObject());
+    KWRegisterClass(KWAlgebricChannel::classObject());
     KWRegisterClass(KWChannelGroup::classObject());
     KWRegisterClass(KWChannelArray::classObject());
     return true;

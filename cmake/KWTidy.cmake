@@ -8,7 +8,7 @@ mark_as_advanced(KWBASE_RUN_CLANG_TIDY KWBASE_CLANG_FORMAT)
 if(KWBASE_RUN_CLANG_TIDY AND CMAKE_EXPORT_COMPILE_COMMANDS)
     add_custom_target(tidy
         COMMAND ${KWBASE_RUN_CLANG_TIDY} -quiet -p ${PROJECT_BINARY_DIR}
-            "^${PROJECT_SOURCE_DIR}/(KWFoundation|KWBase|apps|tests|benchmarks)/"
+            "^${PROJECT_SOURCE_DIR}/(KWFoundation|KWBase|KWDesktop|apps|tests|benchmarks)/"
         WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
         USES_TERMINAL VERBATIM
     )

@@ -3,7 +3,9 @@
 # What builds the program.
 kw_build_packages=(
     cmake ninja-build g++ pkg-config
-    libexpat1-dev libcli11-dev nlohmann-json3-dev
+    libexpat1-dev libhwy-dev libcli11-dev nlohmann-json3-dev
+    qt6-base-dev qt6-svg-dev
+    qt6-image-formats-plugins fonts-dejavu-core # for the views, when they run
 )
 # What the tests, the benchmarks and the fuzzers need besides.
 kw_test_packages=(

@@ -10,7 +10,10 @@ import sys
 # Lowest first. A source may include what stands below it and what stands beside it.
 FLOORS = [
     ["KWFoundation"],
-    ["KWTime", "KWFrameworkTables", "KWUnitController", "KWAlgebricInterpreter"],
+    ["KWTime", "KWFrameworkTables", "KWUnitController", "KWExpressionBatch", "KWExpressionCode",
+     "KWExpressionDerivative", "KWExpressionKernelCheck", "KWExpressionKernels",
+     "KWExpressionParser", "KWExpressionPrinter", "KWExpressionProgram", "KWExpressionStack",
+     "KWExpressionText", "KWExpressionTree", "KWAlgebricInterpreter"],
     ["KWChannelOwner", "KWDeepCopy", "KWChannel"],
     ["KWConstantChannel", "KWFloat4", "KWKeyFrames", "KWKeyFrameCurve", "KWKeyFramedChannel",
      "KWKeyFramedChannelArchiving", "KWKeyFramedChannelEditing", "KWKeyFramedChannelEvaluation",
@@ -20,8 +23,12 @@ FLOORS = [
     ["KWLengthFormatter", "KWAngleFormatter"],
     # No Qt above this line.
     ["KWDesktop"],
-    ["KWKeyCell", "KWChannelColorCell", "KWChannelView", "KWImageBackground", "KWBackgroundView",
-     "KWLayoutView", "KWStackedView", "KWStackedLabelView", "KWImageEditorView"],
+    ["KWCursorImage", "KWFrameRect", "KWDevicePixels", "KWCurveRaster", "KWCurvePainter", "KWKeyCell",
+     "KWChannelColorCell", "KWChannelViewDelegate", "KWChannelViewGeometry", "KWChannelView",
+     "KWChannelViewBindings", "KWChannelViewDrawing", "KWChannelViewEditing", "KWChannelViewGesture", "KWChannelViewGestures",
+     "KWKeyMove",
+     "KWChannelViewKeys", "KWImageBackground", "KWBackgroundView", "KWLayoutView", "KWStackedView", "KWStackedLabelView",
+     "KWImageEditorView"],
     ["KWChannelEditorController", "KWEmbeddedChannelController"],
     ["apps"],
 ]

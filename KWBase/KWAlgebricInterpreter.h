@@ -1,0 +1,83 @@
+#pragma once
+
+#include <KWBase/KWExpressionProgram.h>
+#include <KWBase/KWExpressionText.h>
+#include <KWBase/KWExpressionTree.h>
+#include <KWFoundation/KWExport.h>
+#include <KWFoundation/KWObject.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+/// Which variables the text of an expression is in.
+enum : std::int32_t {
+    KWExpressionModeXY = 0, ///< x and y
+    KWExpressionModeT = 1,  ///< t
+};
+
+/// An expression that a user has typed: read once, kept as a tree and made ready to be evaluated
+/// fast.
+///
+/// The expression is the printed tree, not what was typed: without spaces, numbers with six digits,
+/// and with the printer's ways (WriteTree). In mode 1 each "x" of it is a "t", also that of "exp(".
+/// What was typed is kept beside it and gives exactly this expression again.
+///
+/// Setting belongs to one thread. While nobody sets, const members may be called from several.
+class KW_EXPORT KWAlgebricInterpreter : public KWObject {
+  public:
+    /// Mode 0, the expression "", no tree.
+    KWAlgebricInterpreter();
+    ~KWAlgebricInterpreter() override;
+
+    static const KWClass& classObject();
+    const KWClass& isa() const override { return classObject(); }
+
+    /// Takes a text in x and y (mode 0) or t (mode 1). Nil, or another mode, changes nothing. A
+    /// text that is refused leaves no expression and no tree, and a line in the log. True when the
+    /// text was taken; else fault() tells why.
+    bool setExpressionMode(const std::optional<std::string>& text, std::int32_t mode);
+
+    /// Why a text would be refused, with a position in `text`. Sets nothing.
+    static KWExpressionFault faultInExpression(const std::optional<std::string>& text,
+                                               std::int32_t mode);
+
+    /// Why the last call of setExpressionMode answered false; no fault when it answered true or
+    /// there was none.
+    const KWExpressionFault& fault() const { return _fault; }
+
+    /// The printed expression; "" for a new interpreter, nil after a refused text.
+    const std::optional<std::string>& expression() const { return _algebricString; }
+    /// What was typed, for as long as it is the expression; nil when there is none.
+    const std::optional<std::string>& sourceText() const { return _sourceText; }
+    std::int32_t mode() const { return _mode; }
+    /// The tree, which the interpreter owns; null for none. A set replaces it.
+    const ExprNode* tree() const { return _node.get(); }
+
+    /// The value at x and y, or at t. 0 without a tree, and where the expression has none, such as
+    /// at a division by zero.
+    float evalXYExpression(float x, float y) const;
+    float evalTExpression(float t) const;
+    /// values[k] = evalTExpression(times[k]), bit for bit. std::invalid_argument when the sizes
+    /// differ.
+    void evalTExpressions(std::span<const float> times, std::span<float> values) const;
+
+    /// The expression and the mode. A keyed archive does not give the expression back: the
+    /// interpreter then has none, nil, only its mode. A sequential one does.
+    void encodeWithCoder(KWCoder& coder) const override;
+    bool initWithCoder(KWCoder& coder) override;
+
+  private:
+    struct Free {
+        void operator()(ExprNode* node) const { KWDeleteNode(node); }
+    };
+
+    std::int32_t _mode = KWExpressionModeXY;
+    std::optional<std::string> _algebricString = std::string();
+    std::optional<std::string> _sourceText;
+    std::unique_ptr<ExprNode, Free> _node;
+    KWExpressionProgram _program;
+    KWExpressionFault _fault;
+};

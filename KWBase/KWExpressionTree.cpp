@@ -1,0 +1,193 @@
+#include <KWBase/KWExpressionStack.h>
+#include <KWBase/KWExpressionTree.h>
+
+#include <cmath>
+#include <cstring>
+#include <new>
+
+inline namespace KWExpressions {
+
+ExprNode* NewNode() {
+    return new ExprNode{};
+}
+
+void KWDeleteNode(ExprNode* node) {
+    // Freeing must not need memory, so the left sides are hung below the right ones on the way.
+    while (node) {
+        if (ExprNode* left = node->left) {
+            node->left = left->right;
+            left->right = node;
+            node = left;
+        } else {
+            ExprNode* right = node->right;
+            delete node;
+            node = right;
+        }
+    }
+}
+
+ExprNode* CopyNode(const ExprNode* node) {
+    if (!node)
+        return nullptr;
+    struct Pending {
+        const ExprNode* source;
+        ExprNode* copy;
+    };
+    KWExpressionStack<Pending, 32> pending;
+    KWOwnedTree root(NewNode());
+    ExprNode* copy = root.get();
+    for (;;) {
+        copy->code = node->code;
+        copy->value = node->value;
+        if (node->right) {
+            copy->right = NewNode();
+            pending.push({node->right, copy->right});
+        }
+        if (node->left) {
+            copy = copy->left = NewNode();
+            node = node->left;
+        } else if (!pending.isEmpty()) {
+            const Pending next = pending.pop();
+            node = next.source;
+            copy = next.copy;
+        } else {
+            return root.release();
+        }
+    }
+}
+
+char* CopyPartialString(const char* string, std::int16_t first, std::int16_t last) {
+    const int count = last - first + 1;
+    if (count < 0)
+        return nullptr;
+    char* copy = new (std::nothrow) char[static_cast<std::size_t>(count) + 1];
+    if (!copy)
+        return nullptr;
+    std::memcpy(copy, string + first, static_cast<std::size_t>(count));
+    copy[count] = 0;
+    return copy;
+}
+
+float PuisInt(float base, std::int16_t exponent) {
+    float power = 1;
+    for (int i = 0; i < exponent; ++i)
+        power *= base;
+    return power;
+}
+
+namespace {
+
+enum : std::int16_t { divisionByZero = 1, outsideDomain = 2 };
+
+bool isLeaf(std::int16_t code) {
+    return code <= KWExpressionConstant && code >= KWExpressionSecondVariable;
+}
+
+float fault(std::int16_t* err, std::int16_t code) {
+    *err = code;
+    return 0;
+}
+
+/// Whether the number is one of the whole numbers of 32 bits.
+bool isWhole(float number) {
+    return number >= -2147483648.0f && number < 2147483648.0f &&
+           static_cast<float>(static_cast<std::int32_t>(number)) - number == 0;
+}
+
+float power(float base, float exponent, std::int16_t* err) {
+    if (base < 0 && !isWhole(exponent))
+        return fault(err, outsideDomain);
+    return static_cast<float>(std::pow(static_cast<double>(base), static_cast<double>(exponent)));
+}
+
+float applied(std::int16_t code, float a, float b, std::int16_t* err) {
+    switch (code) {
+    case KWExpressionAdd:
+        return a + b;
+    case KWExpressionSubtract:
+        return a - b;
+    case KWExpressionMultiply:
+        return a * b;
+    case KWExpressionDivide:
+        return b == 0 ? fault(err, divisionByZero) : a / b;
+    case KWExpressionPower:
+        return power(a, b, err);
+    case KWExpressionExp:
+        return std::exp(a);
+    case KWExpressionLn:
+    case KWExpressionLog:
+        if (a == 0)
+            return fault(err, divisionByZero);
+        if (a < 0)
+            return fault(err, outsideDomain);
+        return code == KWExpressionLn ? std::log(a) : std::log10(a);
+    case KWExpressionSqrt:
+        return a < 0 ? fault(err, outsideDomain) : std::sqrt(a);
+    case KWExpressionAbs:
+        return std::fabs(a);
+    case KWExpressionSin:
+        return std::sin(a);
+    case KWExpressionCos:
+        return std::cos(a);
+    case KWExpressionTan:
+        return std::tan(a);
+    case KWExpressionAsin:
+        return std::asin(a);
+    case KWExpressionAcos:
+        return std::acos(a);
+    case KWExpressionAtan:
+        return std::atan(a);
+    case KWExpressionSinh:
+        return std::sinh(a);
+    case KWExpressionCosh:
+        return std::cosh(a);
+    case KWExpressionTanh:
+        return std::tanh(a);
+    default:
+        return 0;
+    }
+}
+
+/// An operator or function whose operands are being evaluated.
+struct Pending {
+    const ExprNode* node;
+    float left;
+    bool isLeftKnown;
+};
+
+} // namespace
+
+float ComputeTree(const ExprNode* node, float x, float y, std::int16_t* err) {
+    if (!node || (*err != 0 && !isLeaf(node->code)))
+        return 0;
+    KWExpressionStack<Pending, 64> pending;
+    for (;;) {
+        while (!isLeaf(node->code)) {
+            pending.push({node, 0, false});
+            node = node->left;
+            if (!node)
+                return fault(err, outsideDomain);
+        }
+        float value = node->code == KWExpressionConstant        ? node->value
+                      : node->code == KWExpressionFirstVariable ? x
+                                                                : y;
+        for (;;) {
+            if (pending.isEmpty())
+                return value;
+            Pending& top = pending.top();
+            if (!top.isLeftKnown && top.node->right) {
+                top.left = value;
+                top.isLeftKnown = true;
+                node = top.node->right;
+                break;
+            }
+            value = top.isLeftKnown ? applied(top.node->code, top.left, value, err)
+                                    : applied(top.node->code, value, 0, err);
+            if (*err != 0)
+                return 0;
+            pending.pop();
+        }
+    }
+}
+
+} // namespace KWExpressions
