@@ -1,3 +1,4 @@
+#include <KWBase/KWAlgebricChannel.h>
 #include <KWBase/KWConstantChannel.h>
 
 #include <samples/SampleChannels.h>
@@ -67,6 +68,39 @@ std::shared_ptr<KWElement> camera() {
     return camera;
 }
 
+std::shared_ptr<KWAlgebricChannel> formula(const std::string& name, const std::string& text) {
+    auto channel = std::make_shared<KWAlgebricChannel>(name);
+    channel->setExpression(text);
+    return channel;
+}
+
+/// Long waves with short ones on them.
+std::shared_ptr<KWElement> sea() {
+    auto sea = std::make_shared<KWElement>("Sea");
+    sea->addChannelToGroupNamed(styled(
+        channelWithNameInitialValueColor<KWConstantChannel>("depth", 12, 5), KWUnitTypeLength, 5));
+    sea->addChannelToGroupNamed(
+        styled(formula("height", "0.8*sin(2*\u03c0*t/7) + 0.15*sin(2*\u03c0*t/1.9)"),
+               KWUnitTypeLength, 4),
+        "Surface");
+    sea->addChannelToGroupNamed(
+        styled(formula("slope", "atan(0.4*cos(2*\u03c0*t/7))"), KWUnitTypeAngle, 2), "Surface");
+    return sea;
+}
+
+/// Pushed at 0 s, it comes to rest.
+std::shared_ptr<KWElement> buoy() {
+    auto buoy = std::make_shared<KWElement>("Buoy");
+    buoy->addChannelToGroupNamed(
+        styled(formula("tilt", "0.5*exp(-abs(t)/4)*cos(3*t)"), KWUnitTypeAngle, 0));
+    buoy->addChannelToGroupNamed(
+        styled(formula("battery", "1 - ln(1 + abs(t)/3600)"), KWUnitTypeNone, 1));
+    buoy->addChannelToGroupNamed(styled(
+        keyFramed("lamp", KWKeyFrameModeStep, KWRepeatModeCycle, {{0, 1}, {0.5F, 0}, {3, 0}}),
+        KWUnitTypeNone, 3));
+    return buoy;
+}
+
 /// Levels of one lamp's channel, sixteen steps of a pattern in bits.
 std::shared_ptr<KWKeyFramedChannel> chaser(const std::string& name, unsigned pattern, float high,
                                            float stepLength, std::int32_t color) {
@@ -85,6 +119,13 @@ KWDocument bouncingBall() {
     KWDocument document;
     document.addElement(ball());
     document.addElement(camera());
+    return document;
+}
+
+KWDocument waves() {
+    KWDocument document;
+    document.addElement(sea());
+    document.addElement(buoy());
     return document;
 }
 
@@ -141,6 +182,7 @@ KWDocument heavyDocument(int channelCount, int keyCount) {
 std::vector<SampleDocument> sampleDocuments() {
     constexpr auto binary = KWDocument::Form::binary;
     return {{"bouncing-ball.kwdoc", bouncingBall().data(binary)},
+            {"wave.kwdoc", waves().data(binary)},
             {"light-show.kwdoc", lightShow().data(binary)},
             {"hard-curves-museum.kwdoc", hardCurvesMuseum().data(binary)},
             {"irregular-museum.kwdoc", irregularMuseum()}};

@@ -16,6 +16,9 @@ std::vector<SampleDocument> sampleDocuments();
 /// A ball that bounces for ever: Hermite curves, ping-pong, lengths and angles.
 KWDocument bouncingBall();
 
+/// The sea and a buoy on it: expressions, some of which print as others.
+KWDocument waves();
+
 /// Eight lamps of five channels each, in groups: steps and straight lines, in cycles.
 KWDocument lightShow();
 

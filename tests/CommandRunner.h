@@ -181,6 +181,7 @@ class KWChannelCommand : public CommandTest {
   protected:
     const std::string ball = sample("bouncing-ball.kwdoc");
     const std::string show = sample("light-show.kwdoc");
+    const std::string wave = sample("wave.kwdoc");
     const std::string museum = sample("hard-curves-museum.kwdoc");
     const std::string irregular = sample("irregular-museum.kwdoc");
 };

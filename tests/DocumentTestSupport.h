@@ -1,8 +1,10 @@
 #pragma once
 
+#include <KWBase/KWAlgebricChannel.h>
 #include <KWBase/KWConstantChannel.h>
 #include <KWBase/KWKeyFramedChannel.h>
 #include <KWFoundation/KWArchiver.h>
+#include <KWFoundation/KWLog.h>
 #include <KWFoundation/KWUnknownObject.h>
 
 #include <apps/common/KWDocument.h>
@@ -14,6 +16,28 @@
 inline std::shared_ptr<KWConstantChannel> constantChannel(const std::string& name, float value) {
     return channelWithNameInitialValueColor<KWConstantChannel>(name, value, 0);
 }
+
+inline std::shared_ptr<KWAlgebricChannel> algebricChannel(const std::string& name,
+                                                          const std::string& text) {
+    auto channel = std::make_shared<KWAlgebricChannel>(name);
+    channel->setExpression(text);
+    return channel;
+}
+
+/// What is logged while it lives.
+class LoggedLines {
+  public:
+    LoggedLines()
+        : _before(KWSetLogHandler([this](std::string_view line) { lines.emplace_back(line); })) {}
+    ~LoggedLines() { KWSetLogHandler(std::move(_before)); }
+    LoggedLines(const LoggedLines&) = delete;
+    LoggedLines& operator=(const LoggedLines&) = delete;
+
+    std::vector<std::string> lines;
+
+  private:
+    KWLogHandler _before;
+};
 
 /// An element with these channels in no group, and these in the group "Group".
 inline std::shared_ptr<KWElement>

@@ -1,4 +1,5 @@
 #include "GoldenLamp.h"
+#include "GoldenWave.h"
 
 #include <KWFoundation/KWException.h>
 #include <KWFoundation/KWKeyedArchiver.h>
@@ -17,19 +18,33 @@ namespace {
 
 using Format = KWPropertyList::Format;
 
+constexpr char swellText[] = "0.5*LN(t + 4)";
+
+KWArchiveValue keyedWave() {
+    return waveDocument(swellText);
+}
+
+void expectKeyedWave(const KWArchiveValue& root) {
+    expectWave(root, swellText);
+}
+
 struct Golden {
     const char* name;
     Format format;
+    KWArchiveValue (*document)();
+    void (*expect)(const KWArchiveValue&);
 };
-constexpr Golden files[] = {{"lamp-keyed-binary.kwdoc", Format::binary},
-                            {"lamp-keyed-xml.kwdoc", Format::xml}};
+constexpr Golden files[] = {{"lamp-keyed-binary.kwdoc", Format::binary, lampDocument, expectLamp},
+                            {"lamp-keyed-xml.kwdoc", Format::xml, lampDocument, expectLamp},
+                            {"wave-keyed-binary.kwdoc", Format::binary, keyedWave, expectKeyedWave},
+                            {"wave-keyed-xml.kwdoc", Format::xml, keyedWave, expectKeyedWave}};
 
 } // namespace
 
 TEST(GoldenArchives, AreWrittenAsTheyAreStored) {
     kwRegisterElementClass();
-    for (const auto& [name, format] : files) {
-        const KWData bytes = KWKeyedArchiver::archivedDataWithRootObject(lampDocument(), format);
+    for (const auto& [name, format, document, expect] : files) {
+        const KWData bytes = KWKeyedArchiver::archivedDataWithRootObject(document(), format);
         if (std::getenv("KWBASE_WRITE_GOLDEN") && !std::filesystem::exists(golden(name)))
             KWWriteFileAtomically(golden(name), bytes);
         EXPECT_TRUE(stringOf(bytes) == contentsOf(golden(name))) << name;
@@ -38,9 +53,9 @@ TEST(GoldenArchives, AreWrittenAsTheyAreStored) {
 
 TEST(GoldenArchives, ComeBackBitForBit) {
     kwRegisterElementClass();
-    for (const auto& [name, format] : files) {
-        const KWArchiveValue root = KWKeyedUnarchiver::unarchiveValueWithFile(golden(name));
-        expectLamp(root);
+    for (const Golden& file : files) {
+        SCOPED_TRACE(file.name);
+        file.expect(KWKeyedUnarchiver::unarchiveValueWithFile(golden(file.name)));
     }
 }
 
@@ -73,15 +88,21 @@ TEST(GoldenArchives, OthersReadThem) {
             "  assert [at(k)['time'] for k in at(glow['keys'])['NS.objects']]"
             "==[0,0.10000000149011612,1000]\n"
             "  r=[at(h) for h in at(glow['hermiteValues'])['NS.objects']]\n"
-            "  assert r[1]==bytes.fromhex('3f000000bf8000003e800000')+bytes(24)\n",
+            "  assert r[1]==bytes.fromhex('3f000000bf8000003e800000')+bytes(24)\n"
+            "  v=plistlib.load(open(sys.argv[1]+'/wave-keyed-%s.kwdoc'%name,'rb'))\n"
+            "  o=v['$objects']\n"
+            "  wave,buoy=[at(e) for e in at(v['$top']['root'])['NS.objects']]\n"
+            "  assert [at(t) for t in at(wave['expressionTexts'])['NS.objects']]"
+            "==['2*t+1','0.5*LN(t + 4)','']\n"
+            "  assert 'expressionTexts' not in buoy\n",
             golden("")),
         0);
 }
 
 TEST(GoldenArchives, NothingCutOrFlippedBreaksTheReader) {
     kwRegisterElementClass();
-    for (const auto& [name, format] : files) {
-        const KWData whole = dataOf(contentsOf(golden(name)));
+    for (const Golden& file : files) {
+        const KWData whole = dataOf(contentsOf(golden(file.name)));
         for (std::size_t place = 0; place < whole.size(); ++place) {
             std::vector<KWData> variants{
                 KWData(whole.begin(), whole.begin() + std::ptrdiff_t(place))};

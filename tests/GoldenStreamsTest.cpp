@@ -1,4 +1,5 @@
 #include "GoldenLamp.h"
+#include "GoldenWave.h"
 #include "StreamBuilder.h"
 
 #include <KWFoundation/KWArchiveError.h>
@@ -111,6 +112,74 @@ void putLamp(StreamBuilder& it) {
     });
 }
 
+/// `text` is what is printed of the expression; null for none.
+void putAlgebricChannel(StreamBuilder& it, const char* name, int color, int unitType, int group,
+                        const char* text) {
+    it.object(channelClass("KWAlgebricChannel", 0, 2), [&] {
+        putChannelPart(it, name, color, 2, group, unitType);
+        it.object({{"KWAlgebricInterpreter", 0}, {"NSObject", 0}}, [&] {
+            if (text)
+                it.string(text);
+            else
+                it.nil();
+            it.i(KWExpressionModeT);
+        });
+    });
+}
+
+/// `version` is that of KWElement, `swellText` as it is printed.
+void putWave(StreamBuilder& it, int version, const char* swellText,
+             const std::vector<std::string>& texts) {
+    const Chain elementClass{{"KWElement", version}, {"NSObject", 0}};
+    const Chain arrayClass{{"KWChannelArray", 1}, {"NSObject", 0}};
+    it.list(2, [&] {
+        it.object(elementClass, [&] {
+            it.string("Wave");
+            it.object(arrayClass, [&] {
+                it.list(2, [&] {
+                    it.object(channelClass("KWConstantChannel", 0, 2), [&] {
+                        putChannelPart(it, "level", 2, 2);
+                        it.f(0.5F);
+                    });
+                    putAlgebricChannel(it, "height", 0, KWUnitTypeLength, 0, "2*t+1");
+                });
+                it.list(1, [&] {
+                    const int sea = it.nextLabel();
+                    it.object({{"KWChannelGroup", 0}, {"NSObject", 0}}, [&] {
+                        it.string("Sea");
+                        it.list(2, [&] {
+                            putAlgebricChannel(it, "swell", 4, KWUnitTypeNone, sea, swellText);
+                            putAlgebricChannel(it, "calm", 0, KWUnitTypeNone, sea, nullptr);
+                        });
+                    });
+                });
+            });
+            if (version >= 1)
+                it.list(static_cast<int>(texts.size()), [&] {
+                    for (const std::string& text : texts)
+                        it.string(text);
+                });
+        });
+        it.object(elementClass, [&] {
+            it.string("Buoy");
+            it.object(arrayClass, [&] {
+                it.list(0, [] {});
+                it.list(0, [] {});
+            });
+            if (version >= 1)
+                it.nil();
+        });
+    });
+}
+
+void putWaveOfElementVersion1(StreamBuilder& it) {
+    putWave(it, 1, "0.5*log(t+4)", {"2*t+1", "0.5*LN(t + 4)", ""});
+}
+
+void putWaveOfElementVersion0(StreamBuilder& it) {
+    putWave(it, 0, "sin(t)*etp(t)", {});
+}
+
 void putChannelsOfVersion0(StreamBuilder& it) {
     it.list(2, [&] {
         for (const auto& [name, color, value] :
@@ -219,6 +288,14 @@ void expectArrayOfVersion0(const KWArchiveValue& root) {
     EXPECT_EQ(array->channelGroupCount(), 0u);
 }
 
+void expectWaveOfElementVersion1(const KWArchiveValue& root) {
+    expectWave(root, "0.5*LN(t + 4)");
+}
+
+void expectWaveOfElementVersion0(const KWArchiveValue& root) {
+    expectWave(root, "sin(t)*etp(t)");
+}
+
 struct Stream {
     std::string name;
     void (*put)(StreamBuilder&);
@@ -227,7 +304,12 @@ struct Stream {
 };
 
 std::vector<Stream> streams() {
-    return {{"lamp", putLamp, expectLamp, {}},
+    return {{"lamp", putLamp, expectLamp, {{"KWElement", 0}}},
+            {"wave", putWaveOfElementVersion1, expectWaveOfElementVersion1, {{"KWElement", 1}}},
+            {"wave-element-0",
+             putWaveOfElementVersion0,
+             expectWaveOfElementVersion0,
+             {{"KWElement", 0}}},
             {"channel-0", putChannelsOfVersion0, expectChannelsOfVersion0, {{"KWChannel", 0}}},
             {"channel-1", putChannelOfVersion1, expectChannelOfVersion1, {{"KWChannel", 1}}},
             {"keyframed-channel-0",
@@ -271,10 +353,12 @@ TEST(GoldenStreams, AreStoredAsAMachineOfEachByteOrderWritesThem) {
     }
 }
 
-TEST(GoldenStreams, TheLampIsWrittenAsItIsStored) {
+TEST(GoldenStreams, DocumentsAreWrittenAsTheyAreStored) {
     kwRegisterElementClass();
-    EXPECT_TRUE(KWArchiver::archivedDataWithRootObject(lampDocument()) ==
-                stored(streams().front(), false));
+    const auto all = streams();
+    EXPECT_TRUE(archived(lampDocument(), all[0].versions) == stored(all[0], false));
+    EXPECT_TRUE(archived(waveDocument("0.5*LN(t + 4)"), {}) == stored(all[1], false));
+    EXPECT_TRUE(archived(waveDocument("sin(t)*exp(t)"), all[2].versions) == stored(all[2], false));
 }
 
 TEST(GoldenStreams, ComeBackBitForBitInBothByteOrders) {
@@ -324,7 +408,9 @@ TEST(GoldenStreams, NothingCutOrFlippedBreaksTheReader) {
         }
     };
     const KWLogHandler before = KWSetLogHandler([](std::string_view line) {
-        EXPECT_EQ(line, "Inconsistent Values/Keys pairs in channel");
+        EXPECT_TRUE(line == "Inconsistent Values/Keys pairs in channel" ||
+                    line.starts_with("set err = "))
+            << line;
     });
     for (const Stream& stream : streams()) {
         for (const bool bigEndian : {false, true}) {

@@ -55,6 +55,14 @@ TEST_F(KWChannelForms, RoundTripsKeepAllValuesAndModes) {
     }
 }
 
+TEST_F(KWChannelForms, FromXMLEqualTextsAreWrittenOnce) {
+    output({"convert", show, "--to", "xml", "-o", path("show.xml")});
+    output({"convert", path("show.xml"), "-o", path("back.kwdoc")});
+    const std::string bytes = readFile(path("back.kwdoc"));
+    EXPECT_EQ(bytes.find("NSObject"), bytes.rfind("NSObject"));
+    EXPECT_EQ(evaluated(path("back.kwdoc")), evaluated(show));
+}
+
 TEST_F(KWChannelForms, BakesASequentialDocument) {
     const std::vector<std::string> range = {"--from", "0", "--to", "3", "--rate", "24"};
     std::vector<std::string> first = {"bake", ball};

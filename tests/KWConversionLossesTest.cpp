@@ -186,3 +186,85 @@ TEST(KWConversionLosses, OlderVersionsLoseGroups) {
               Strings{"Lamp: the group \"Group\" with its 1 channel: an array of version 0 has no "
                       "groups"});
 }
+
+TEST(KWConversionLosses, TheExpressionsOfAnElementGoIntoEveryForm) {
+    const KWDocument document = documentWith({elementWith(
+        "Lamp", {algebricChannel("a", "ln(t)"), std::make_shared<KWAlgebricChannel>("none")},
+        {algebricChannel("b", "abs(t) - 1")})});
+    for (const Form form : {Form::binary, Form::xml, Form::sequential})
+        EXPECT_EQ(losses(document, form), Strings{});
+}
+
+TEST(KWConversionLosses, AnElementOfVersion0LosesWhatPrintsAsAnotherExpression) {
+    const KWDocument document = documentWith({elementWith(
+        "Lamp",
+        {algebricChannel("same", "2 * T + 1"), algebricChannel("bars", "abs(t)"),
+         algebricChannel("left", "t - 1"), algebricChannel("digits", "1.2345678*t"),
+         algebricChannel("exp", "EXP(-t)"), std::make_shared<KWAlgebricChannel>("none")},
+        {algebricChannel("ln", "ln(t)")})});
+    EXPECT_EQ(losses(document, Form::sequential, {{"KWElement", 0}}),
+              (Strings{"Lamp/bars: its expression \"abs(t)\": what a sequential archive has of it, "
+                       "\"|t|\", cannot be read again",
+                       "Lamp/left: its expression \"t - 1\": what a sequential archive has of it, "
+                       "\"-1\", is another expression",
+                       "Lamp/digits: its expression \"1.2345678*t\": what a sequential archive has "
+                       "of it, \"1.23457*t\", is another expression",
+                       "Lamp/Group/ln: its expression \"ln(t)\": what a sequential archive has of "
+                       "it, \"log(t)\", is another expression"}));
+    // What is lost with its group is not told again.
+    const Strings all =
+        losses(document, Form::sequential, {{"KWElement", 0}, {"KWChannelArray", 0}});
+    EXPECT_EQ(all.size(), 4U);
+    EXPECT_TRUE(all.front().starts_with("Lamp: the group \"Group\""));
+}
+
+TEST(KWConversionLosses, AnExpressionOutsideOfAnElementIsLostInAKeyedArchive) {
+    const auto channel = algebricChannel("a", "2*t");
+    const auto group = std::make_shared<KWChannelGroup>("Group");
+    group->addChannel(algebricChannel("b", "ln(t)"));
+    const auto array = std::make_shared<KWChannelArray>();
+    array->addChannel(algebricChannel("c", "t-1"));
+    const auto read = [](const KWArchiveValue& root) {
+        return KWDocument::read(KWArchiver::archivedDataWithRootObject(root));
+    };
+    const KWDocument document = read(KWArchiveValue::mutableArray({channel, group, array}));
+    // What a sequential archive has read is what counts.
+    EXPECT_EQ(
+        losses(document, Form::binary),
+        (Strings{"a: its expression \"2*t\": a keyed archive keeps only those of channels in "
+                 "a KWElement",
+                 "Group/b: its expression \"log(t)\": a keyed archive keeps only those of "
+                 "channels in a KWElement",
+                 "c: its expression \"-1\": a keyed archive keeps only those of channels in a "
+                 "KWElement"}));
+    EXPECT_EQ(losses(document, Form::sequential),
+              Strings{"Group/b: its expression \"log(t)\": what a sequential archive has of it, "
+                      "\"ln(t)\", is another expression"});
+    EXPECT_EQ(losses(KWDocument::read(document.data(Form::xml)), Form::sequential), Strings{});
+}
+
+TEST(KWConversionLosses, AnExpressionInAHostsObjectIsFoundToo) {
+    const auto array = std::make_shared<KWChannelArray>();
+    array->addChannel(algebricChannel("a", "ln(t)"));
+    const auto lone = algebricChannel("lone", "ln(t)");
+    const auto host = streamObject({"Host", "NSObject"}, {0, 0},
+                                   {streamGroup("@", {array}), streamGroup("@", {lone})});
+    const KWDocument document = KWDocument::read(KWArchiver::archivedDataWithRootObject(host));
+    const std::string loss = ": its expression \"log(t)\": what a sequential archive has of it, "
+                             "\"ln(t)\", is another expression";
+    EXPECT_EQ(losses(document, Form::sequential),
+              (Strings{"a" + loss, "\"lone\" outside of the elements" + loss}));
+}
+
+TEST(KWConversionLosses, ALongExpressionIsToldByItsBeginning) {
+    std::string text;
+    for (int k = 0; k < 500; ++k)
+        text += "\u03c0+";
+    const Strings found =
+        losses(documentWith({elementWith("Lamp", {algebricChannel("long", text + "t")})}),
+               Form::sequential, {{"KWElement", 0}});
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_LT(found[0].size(), 350U);
+    EXPECT_TRUE(found[0].starts_with("Lamp/long: its expression \"\u03c0+"));
+    EXPECT_NE(found[0].find("\u03c0+...\": what"), std::string::npos) << found[0];
+}

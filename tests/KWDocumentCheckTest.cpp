@@ -197,3 +197,33 @@ TEST(KWDocumentCheck, WarnsOfListsThatAreNotThereAndOfUnknownClasses) {
               Strings{"warning: odd: its class \"HostChannel\" is not known here, so it is not "
                       "looked into"});
 }
+
+TEST(KWDocumentCheck, LooksIntoExpressions) {
+    const KWDocument document = documentWith(
+        {elementWith("Lamp", {algebricChannel("a", "ln(t)")}, {algebricChannel("b", "T")})});
+    for (const auto form : {KWDocument::Form::binary, KWDocument::Form::sequential})
+        EXPECT_EQ(check(KWDocument::read(document.data(form))), Strings{});
+    EXPECT_EQ(
+        check(documentWith({elementWith("Lamp", {std::make_shared<KWAlgebricChannel>("a")})})),
+        Strings{"warning: Lamp/a: it has no expression, so it is 0 at every time"});
+}
+
+TEST(KWDocumentCheck, TellsOfAnExpressionThatAKeyedArchiveHasNotBroughtBack) {
+    const KWDocument bare =
+        KWDocument::read(KWArchiver::archivedDataWithRootObject(algebricChannel("a", "2*t")));
+    EXPECT_EQ(check(bare), Strings{});
+    EXPECT_EQ(check(KWDocument::read(bare.data(KWDocument::Form::binary))),
+              Strings{"warning: a: it has no expression, so it is 0 at every time"});
+}
+
+TEST(KWDocumentCheck, WantsAnInterpreterWithAKnownMode) {
+    ArchiveBuilder builder;
+    const auto odd = builder.addAlgebricChannel("odd", 2);
+    const auto none = builder.addInstance({"KWAlgebricChannel", "KWChannel", "NSObject"},
+                                          {{"name", builder.reference(builder.addString("none"))},
+                                           {"unitType", builder.list.addInt(32)}});
+    EXPECT_EQ(check(KWDocument::read(builder.finishWithRoot(builder.addList({odd, none})))),
+              (Strings{"odd: mode 2 of its expression is not known",
+                       "warning: odd: it has no expression, so it is 0 at every time",
+                       "none: it has no interpreter, so it takes no expression"}));
+}

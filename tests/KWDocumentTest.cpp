@@ -1,3 +1,4 @@
+#include <KWBase/KWAlgebricChannel.h>
 #include <KWBase/KWConstantChannel.h>
 #include <KWBase/KWKeyFramedChannel.h>
 #include <KWFoundation/KWUnknownObject.h>
@@ -50,6 +51,24 @@ Strings candidates(const std::vector<KWDocument::Place>& places, const std::stri
     }
     ADD_FAILURE() << address << " names a channel";
     return {};
+}
+
+KWAddressError::Reason reason(const std::vector<KWDocument::Place>& places,
+                              const std::string& address) {
+    try {
+        KWDocument::placeAt(places, address);
+    } catch (const KWAddressError& error) {
+        return error.reason();
+    }
+    throw std::logic_error(address + " names a channel");
+}
+
+/// Replaces the channel at an address by an algebraic one, which must be possible.
+std::shared_ptr<KWChannel> replaced(KWDocument& document, const std::string& address) {
+    const auto places = document.channels();
+    const auto made = std::make_shared<KWAlgebricChannel>();
+    EXPECT_TRUE(document.replaceChannel(KWDocument::placeAt(places, address), made)) << address;
+    return made;
 }
 
 /// An object tree as text, the same for archives of the same contents whatever their numbers.
@@ -318,6 +337,8 @@ TEST(KWDocument, FindsAChannelByPathTrailingPartOrName) {
     EXPECT_EQ(path("a/b"), "Ball/a/b");
     EXPECT_EQ(path("b"), "Ball/a/b");
     EXPECT_EQ(candidates(places, "x"), (Strings{"Ball/Position/x", "Lamp/Position/x"}));
+    EXPECT_EQ(reason(places, "x"), KWAddressError::Reason::ambiguous);
+    EXPECT_EQ(reason(places, "Position/z"), KWAddressError::Reason::notFound);
     EXPECT_EQ(candidates(places, "Position/x"), (Strings{"Ball/Position/x", "Lamp/Position/x"}));
 }
 
@@ -445,4 +466,59 @@ TEST_F(KWDocumentFiles, AMissingFileCannotBeRead) {
     } catch (const KWArchiveError& error) {
         EXPECT_EQ(error.kind(), Kind::cannotRead);
     }
+}
+
+TEST(KWDocument, ReplacesAChannelOfAnElement) {
+    KWDocument document;
+    document.addElement(element("Ball", {{"", "size"}, {"Position", "x"}}));
+    const auto before = document.channels();
+    before[1].channel->setUnitType(KWUnitTypeLength);
+    before[1].channel->setChannelColorIndex(4);
+    const auto made = replaced(document, "x");
+    EXPECT_EQ(paths(document), (Strings{"Ball/size", "Ball/Position/x"}));
+    EXPECT_EQ(document.channels()[1].channel, made);
+    EXPECT_EQ(made->unitType(), KWUnitTypeLength);
+    EXPECT_EQ(made->channelColorIndex(), 4);
+    EXPECT_EQ(made->channelGroup(), before[1].group);
+    EXPECT_EQ(made->owner(), before[0].channel->owner());
+    document.undoManager()->undo();
+    EXPECT_EQ(document.channels()[1].channel, before[1].channel);
+    EXPECT_FALSE(document.replaceChannel(before[0], nullptr));
+    EXPECT_FALSE(document.replaceChannel(before[0], before[0].channel));
+    EXPECT_FALSE(document.replaceChannel(before[0], before[1].channel)) << "it has an owner";
+}
+
+TEST(KWDocument, ReplacesChannelsOutsideOfElements) {
+    ArchiveBuilder builder;
+    KWDocument hosts = KWDocument::read(foreignDocument(builder));
+    const auto host = replaced(hosts, "right/level");
+    EXPECT_EQ(host->name(), "level");
+    EXPECT_EQ(hosts.channels()[1].channel, host);
+
+    // Its channels do not name the group that they stand in.
+    ArchiveBuilder bare;
+    const Number group = bare.addGroup("Colour", {bare.addConstantChannel("red", 1)});
+    const Number array =
+        bare.addChannelArray({}, {bare.addGroup("Size", {bare.addConstantChannel("height", 1)})});
+    const Number list = bare.addList({bare.addConstantChannel("a", 1),
+                                      bare.addConstantChannel("b", 1, KWUnitTypeAngle), group,
+                                      array, bare.addElement("Lamp", array)});
+    KWDocument lists = KWDocument::read(bare.finishWithRoot(list));
+    for (const char* address : {"a", "b", "red", "height"}) {
+        const auto made = replaced(lists, address);
+        EXPECT_EQ(made->name(), address);
+        const auto places = lists.channels();
+        EXPECT_EQ(KWDocument::placeAt(places, address).channel, made);
+    }
+    EXPECT_EQ(lists.channels()[1].channel->unitType(), KWUnitTypeAngle);
+    EXPECT_EQ(paths(KWDocument::read(lists.data(xml))), paths(lists));
+
+    ArchiveBuilder alone;
+    KWDocument one = KWDocument::read(alone.finishWithRoot(alone.addConstantChannel("alone", 1)));
+    const auto places = one.channels();
+    EXPECT_EQ(one.channels().size(), 1U);
+    replaced(one, "alone");
+    EXPECT_EQ(one.elements().front().className, "KWAlgebricChannel");
+    EXPECT_FALSE(one.replaceChannel(places[0], std::make_shared<KWAlgebricChannel>()))
+        << "it is no longer there";
 }

@@ -199,7 +199,7 @@ TEST(KWElement, IsArchivedUnderItsNameWithItsKeysInOrder) {
     EXPECT_EQ(list.stringValue(fields[1]), "channelArray");
     const auto record = objects[list.uidValue(list.valueForKey(objects[1], "$class"))];
     EXPECT_EQ(list.stringValue(list.valueForKey(record, "$classname")), "KWElement");
-    EXPECT_EQ(KWElement::classObject().version(), 0);
+    EXPECT_EQ(KWElement::classObject().version(), 1);
 }
 
 TEST(KWElement, RegistersTheClassesOnce) {

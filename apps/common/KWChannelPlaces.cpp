@@ -190,11 +190,13 @@ const KWDocument::Place& KWDocument::placeAt(const std::vector<Place>& places,
 
     const std::string quoted = std::string("\"").append(address).append("\"");
     if (found.empty())
-        throw KWAddressError("there is no channel " + quoted, nearest(places, address));
+        throw KWAddressError(KWAddressError::Reason::notFound, "there is no channel " + quoted,
+                             nearest(places, address));
     std::vector<std::string> candidates;
     for (const Place* place : found)
         candidates.push_back(place->path);
-    throw KWAddressError(quoted + " names " + std::to_string(found.size()) + " channels",
+    throw KWAddressError(KWAddressError::Reason::ambiguous,
+                         quoted + " names " + std::to_string(found.size()) + " channels",
                          std::move(candidates));
 }
 

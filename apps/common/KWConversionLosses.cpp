@@ -1,3 +1,4 @@
+#include <KWBase/KWAlgebricChannel.h>
 #include <KWBase/KWConstantChannel.h>
 
 #include <apps/common/KWChannelKeys.h>
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <unordered_set>
 
 namespace {
 
@@ -15,6 +17,17 @@ using Form = KWDocument::Form;
 
 std::string inQuoteMarks(std::string_view text) {
     return std::string("\"").append(text).append("\"");
+}
+
+/// The beginning of a long text.
+std::string inQuoteMarksShortened(std::string_view text) {
+    constexpr std::size_t longest = 100;
+    if (text.size() <= longest)
+        return inQuoteMarks(text);
+    std::size_t end = longest;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) // a whole character
+        --end;
+    return inQuoteMarks(std::string(text.substr(0, end)) + "...");
 }
 
 std::string counted(std::size_t count, std::string_view one, std::string_view many) {
@@ -41,6 +54,38 @@ std::vector<std::size_t> indicesWhere(std::size_t count, Predicate predicate) {
     return indices;
 }
 
+/// Whether two trees are the same expression, numbers by their bits.
+bool areEqual(const ExprNode* first, const ExprNode* second) {
+    std::vector<std::pair<const ExprNode*, const ExprNode*>> waiting{{first, second}};
+    while (!waiting.empty()) {
+        const auto [one, other] = waiting.back();
+        waiting.pop_back();
+        if (!one && !other)
+            continue;
+        if (!one || !other || one->code != other->code ||
+            std::bit_cast<std::uint32_t>(one->value) != std::bit_cast<std::uint32_t>(other->value))
+            return false;
+        waiting.emplace_back(one->left, other->left);
+        waiting.emplace_back(one->right, other->right);
+    }
+    return true;
+}
+
+/// What a sequential archive of the interpreter does not bring back; "" when it brings all.
+std::string lossInPrint(const KWAlgebricInterpreter& interpreter) {
+    const std::optional<std::string>& printed = interpreter.expression();
+    const std::string kept = "its expression " +
+                             inQuoteMarksShortened(interpreter.sourceText().value_or("")) +
+                             ": what a sequential archive has of it, " +
+                             inQuoteMarksShortened(printed.value_or("")) + ", ";
+    if (KWAlgebricInterpreter::faultInExpression(printed, interpreter.mode()).kind !=
+        KWExpressionFault::Kind::none)
+        return kept + "cannot be read again";
+    KWAlgebricInterpreter again;
+    again.setExpressionMode(printed, interpreter.mode());
+    return areEqual(interpreter.tree(), again.tree()) ? "" : kept + "is another expression";
+}
+
 class Search {
   public:
     Search(const KWDocument& document, Form form, const KWClassVersions& versions)
@@ -53,10 +98,18 @@ class Search {
     KWConversionLosses result() {
         if (_isSequential != _wasSequential)
             searchTops();
+        findCarriedTexts();
         searchGraph();
         searchElements();
-        for (const KWDocument::Place& place : _document.channels())
+        std::unordered_set<const KWChannel*> placed;
+        for (const KWDocument::Place& place : _document.channels()) {
             searchChannel(place);
+            placed.insert(place.channel.get());
+        }
+        for (const auto& channel : _algebric)
+            if (!placed.contains(channel.get()))
+                searchExpression(inQuoteMarks(channel->name()) + " outside of the elements",
+                                 *channel);
         return std::move(_found);
     }
 
@@ -68,6 +121,16 @@ class Search {
     std::int64_t version(const KWClass& aClass) const {
         const auto found = _versions.find(aClass.name());
         return found == _versions.end() ? aClass.version() : found->second;
+    }
+
+    /// Of which algebraic channels an element will write the texts.
+    void findCarriedTexts() {
+        if (_isSequential && version(KWElement::classObject()) < 1)
+            return;
+        for (const KWDocument::Element& element : _document.elements())
+            if (element.channelArray && dynamic_cast<const KWElement*>(element.object.get()))
+                for (const auto& channel : element.channelArray->channelEnumerator())
+                    _carried.insert(channel.get());
     }
 
     void searchTops() {
@@ -104,6 +167,8 @@ class Search {
                 minusZeros += number->isReal() && number->doubleValue() == 0 &&
                               std::signbit(number->doubleValue());
             const auto object = value.object();
+            if (auto channel = std::dynamic_pointer_cast<const KWAlgebricChannel>(object))
+                _algebric.push_back(std::move(channel));
             const KWUnknownObject* const contents = object ? object->unknownContents() : nullptr;
             if (!contents || contents->isSequential() == _isSequential)
                 return;
@@ -162,9 +227,22 @@ class Search {
             searchCommonPart(place, element);
         if (const auto* channel = dynamic_cast<const KWKeyFramedChannel*>(place.channel.get()))
             searchKeys(place, *channel);
+        if (const auto* channel = dynamic_cast<const KWAlgebricChannel*>(place.channel.get()))
+            searchExpression(place.path, *channel);
         if (_isSequential && dynamic_cast<const KWConstantChannel*>(place.channel.get()) &&
             isMinusZero(place.channel->valueForTime(std::nullopt)))
             lose(place.path, "the value is -0: a sequential archive has no sign of 0");
+    }
+
+    void searchExpression(const std::string& place, const KWAlgebricChannel& channel) {
+        const auto text = channel.sourceText();
+        if (!text || _carried.contains(&channel))
+            return;
+        if (!_isSequential)
+            lose(place, "its expression " + inQuoteMarksShortened(*text) +
+                            ": a keyed archive keeps only those of channels in a KWElement");
+        else if (const std::string loss = lossInPrint(*channel.interpreter()); !loss.empty())
+            lose(place, loss);
     }
 
     void searchCommonPart(const KWDocument::Place& place, const KWDocument::Element& element) {
@@ -246,6 +324,9 @@ class Search {
     bool _isSequential;
     bool _wasSequential;
     KWClassVersions _versions;
+    std::unordered_set<const KWChannel*> _carried;
+    /// In the order of the archive.
+    std::vector<std::shared_ptr<const KWAlgebricChannel>> _algebric;
     KWConversionLosses _found;
 };
 

@@ -7,6 +7,7 @@
 #include <apps/common/KWDocument.h>
 #include <apps/common/KWPropertyListCopy.h>
 
+#include <algorithm>
 #include <unordered_set>
 
 namespace {
@@ -40,6 +41,12 @@ void pushFieldValues(const std::vector<KWArchiveField>& fields,
     }
     values.insert(values.end(), std::make_move_iterator(found.rbegin()),
                   std::make_move_iterator(found.rend()));
+}
+
+/// A list of the same class.
+KWArchiveValue arrayLike(const KWArchiveArray& list, std::vector<KWArchiveValue> elements) {
+    return list.isMutable ? KWArchiveValue::mutableArray(std::move(elements))
+                          : KWArchiveValue::immutableArray(std::move(elements));
 }
 
 std::string nameOf(const KWUnknownObject& object) {
@@ -99,6 +106,9 @@ KWDocument KWDocument::read(std::span<const std::byte> bytes, std::string file) 
     else
         document.readTops(KWPropertyList::parse(bytes, std::move(file)));
     document.findElements();
+    for (const Element& element : document._elements)
+        if (auto ours = std::dynamic_pointer_cast<KWElement>(element.object))
+            ours->finishExpressionTexts();
     return document;
 }
 
@@ -225,9 +235,52 @@ void KWDocument::addElement(const std::shared_ptr<KWElement>& element) {
         throw std::logic_error("the document's root is not a list");
     std::vector<KWArchiveValue> list = root->value.array()->elements;
     list.emplace_back(element);
-    root->value = root->value.array()->isMutable ? KWArchiveValue::mutableArray(std::move(list))
-                                                 : KWArchiveValue::immutableArray(std::move(list));
+    root->value = arrayLike(*root->value.array(), std::move(list));
     findElements();
+}
+
+bool KWDocument::replaceChannel(const Place& place, const std::shared_ptr<KWChannel>& channel) {
+    if (!channel || channel == place.channel || channel->owner())
+        return false;
+    const Element element = _elements.at(place.element); // a copy, as the list is made anew
+    if (auto ours = std::dynamic_pointer_cast<KWElement>(element.object))
+        if (ours->replaceChannelWith(place.channel, channel))
+            return true;
+    KWChannelOwner* const owner = place.channel->owner();
+    if (!(place.group       ? place.group->replaceChannelWith(place.channel, channel)
+          : element.channel ? replaceRoot(place.channel, channel)
+                            : !!element.channelArray &&
+                                  element.channelArray->replaceChannelWith(place.channel, channel)))
+        return false;
+    channel->setName(place.channel->name());
+    channel->setChannelColorIndex(place.channel->channelColorIndex());
+    channel->setUnitType(place.channel->unitType());
+    channel->setOwner(owner);
+    place.channel->setOwner(nullptr);
+    return true;
+}
+
+bool KWDocument::replaceRoot(const std::shared_ptr<KWChannel>& oldChannel,
+                             const std::shared_ptr<KWChannel>& newChannel) {
+    bool isFound = false;
+    const auto replace = [&](KWArchiveValue& value) {
+        if (isFound || value.object() != oldChannel)
+            return;
+        value = newChannel;
+        isFound = true;
+    };
+    for (Top& top : _tops) {
+        replace(top.value);
+        const KWArchiveArray* const list = top.value.array();
+        if (isFound || !list)
+            continue;
+        std::vector<KWArchiveValue> elements = list->elements;
+        std::for_each(elements.begin(), elements.end(), replace);
+        if (isFound)
+            top.value = arrayLike(*list, std::move(elements));
+    }
+    findElements();
+    return isFound;
 }
 
 std::vector<std::string> KWDocument::inlinedKeys() const {

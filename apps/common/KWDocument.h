@@ -17,13 +17,22 @@
 /// No channel, or more than one, answers to an address.
 class KWAddressError : public std::runtime_error {
   public:
-    KWAddressError(const std::string& text, std::vector<std::string> candidates)
-        : std::runtime_error(text), _candidates(std::move(candidates)) {}
+    /// Why the candidates are named.
+    enum class Reason : std::uint8_t {
+        notFound, ///< they are the nearest ones
+        ambiguous ///< each answers to the address
+    };
+
+    KWAddressError(Reason reason, const std::string& text, std::vector<std::string> candidates)
+        : std::runtime_error(text), _reason(reason), _candidates(std::move(candidates)) {}
+
+    Reason reason() const { return _reason; }
 
     /// The paths that were meant, or the nearest ones, best first; may be empty.
     const std::vector<std::string>& candidates() const { return _candidates; }
 
   private:
+    Reason _reason;
     std::vector<std::string> _candidates;
 };
 
@@ -98,6 +107,13 @@ class KWDocument {
     /// the address, be that one part or several. Throws KWAddressError.
     static const Place& placeAt(const std::vector<Place>& places, std::string_view address);
 
+    /// Puts `channel` where the one of a place is, through its element where that is a KWElement.
+    /// It takes over name, colour index, unit type, group and owner.
+    ///
+    /// False, and nothing changed, for null, for the same channel, for one that has an owner, and
+    /// for a place that is no longer as it was.
+    bool replaceChannel(const Place& place, const std::shared_ptr<KWChannel>& channel);
+
     /// A value at the top of the archive, and its key; the one of a sequential archive has the key
     /// "root".
     struct Top {
@@ -141,6 +157,9 @@ class KWDocument {
     void findElements();
     void collect(const KWArchiveValue& root);
     void addHolder(const std::shared_ptr<KWObject>& object);
+    /// At the top, or in a list there.
+    bool replaceRoot(const std::shared_ptr<KWChannel>& oldChannel,
+                     const std::shared_ptr<KWChannel>& newChannel);
 
     /// What stands under the top keys by reference, in order.
     std::vector<Top> _tops;

@@ -1,3 +1,4 @@
+#include <KWBase/KWAlgebricChannel.h>
 #include <KWBase/KWConstantChannel.h>
 #include <KWFoundation/KWText.h>
 #include <KWFoundation/KWUnarchiver.h>
@@ -174,6 +175,8 @@ class Check {
             fault(place.path, "unit type " + std::to_string(unit) + " is not known");
         if (const auto* keyFramed = dynamic_cast<const KWKeyFramedChannel*>(&channel))
             checkKeys(place.path, *keyFramed);
+        if (const auto* algebric = dynamic_cast<const KWAlgebricChannel*>(&channel))
+            checkExpression(place.path, *algebric);
         if (const auto* constant = dynamic_cast<const KWConstantChannel*>(&channel))
             if (const float value = constant->valueForTime(std::nullopt); !std::isfinite(value))
                 fault(place.path, "its value " + numberText(value) + " is not finite");
@@ -193,6 +196,19 @@ class Check {
             warn(place.path, "the channel has no name");
         if (_pathCounts[plainPath(place)] > 1)
             warn(place.path, "other channels have the same path");
+    }
+
+    void checkExpression(const std::string& path, const KWAlgebricChannel& channel) {
+        const std::shared_ptr<KWAlgebricInterpreter>& interpreter = channel.interpreter();
+        if (!interpreter) {
+            fault(path, "it has no interpreter, so it takes no expression");
+            return;
+        }
+        const std::int32_t mode = interpreter->mode();
+        if (mode != KWExpressionModeXY && mode != KWExpressionModeT)
+            fault(path, "mode " + std::to_string(mode) + " of its expression is not known");
+        if (!interpreter->sourceText())
+            warn(path, "it has no expression, so it is 0 at every time");
     }
 
     void checkKeys(const std::string& path, const KWKeyFramedChannel& channel) {

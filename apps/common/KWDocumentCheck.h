@@ -27,11 +27,12 @@ struct KWDocumentFault {
 /// Everything that is wrong, in the order of the document; empty for one in order.
 ///
 /// Of each channel: that it has equally many keys, values and shapes; that the times rise; that
-/// times, values and shapes are finite; that mode, repeat mode and unit type are known; that its
-/// group is the one that holds it, its owner the one of its element, and it stands at one place
-/// only. Of lists: that nothing in them is nil, and that no two elements share one. Warnings tell
-/// of equal paths, empty names, lists that are not there, and of channels of unknown classes, which
-/// are not looked into.
+/// times, values and shapes are finite; that mode, repeat mode and unit type are known; that an
+/// algebraic one has an interpreter with a mode that is known; that its group is the one that holds
+/// it, its owner the one of its element, and it stands at one place only. Of lists: that nothing in
+/// them is nil, and that no two elements share one. Warnings tell of equal paths, empty names,
+/// lists that are not there, algebraic channels without an expression, and of channels of unknown
+/// classes, which are not looked into.
 std::vector<KWDocumentFault> kwCheckDocument(const KWDocument& document);
 
 /// Those of a keyed archive that reading mends, so that the document does not show them: shapes

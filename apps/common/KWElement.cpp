@@ -1,6 +1,6 @@
-#include <KWBase/KWConstantChannel.h>
-#include <KWBase/KWKeyFramedChannel.h>
+#include <KWBase/KWAlgebricChannel.h>
 #include <KWFoundation/KWCoder.h>
+#include <KWFoundation/KWLog.h>
 
 #include <apps/common/KWElement.h>
 
@@ -14,6 +14,29 @@ bool holdsChannel(const KWChannelArray& array, const std::shared_ptr<KWChannel>&
     return std::find(all.begin(), all.end(), channel) != all.end();
 }
 
+std::vector<std::shared_ptr<KWAlgebricChannel>> algebricChannelsOf(const KWChannelList& channels) {
+    std::vector<std::shared_ptr<KWAlgebricChannel>> found;
+    for (const auto& channel : channels)
+        if (auto algebric = std::dynamic_pointer_cast<KWAlgebricChannel>(channel))
+            found.push_back(std::move(algebric));
+    return found;
+}
+
+/// Past the channel, which would tell of a change. Answers why not; "" when the channel has the
+/// text now.
+std::string restoreText(const KWAlgebricChannel& channel, const std::string& text) {
+    if (text.empty() || channel.sourceText() == text)
+        return {};
+    const std::shared_ptr<KWAlgebricInterpreter>& interpreter = channel.interpreter();
+    if (!interpreter)
+        return "the channel has no interpreter";
+    const std::int32_t mode = interpreter->mode();
+    const KWExpressionFault fault = KWAlgebricInterpreter::faultInExpression(text, mode);
+    if (fault.kind == KWExpressionFault::Kind::none)
+        interpreter->setExpressionMode(text, mode);
+    return fault.sentence();
+}
+
 } // namespace
 
 KWElement::KWElement(std::string name)
@@ -24,7 +47,7 @@ KWElement::~KWElement() {
 }
 
 const KWClass& KWElement::classObject() {
-    static constinit KWClass theClass{"KWElement", &KWObject::classObject, 0,
+    static constinit KWClass theClass{"KWElement", &KWObject::classObject, 1,
                                       KWClass::make<KWElement>};
     return theClass;
 }
@@ -80,23 +103,87 @@ void KWElement::encodeWithCoder(KWCoder& coder) const {
     if (coder.allowsKeyedCoding()) {
         coder.encodeObjectForKey(_name, "name");
         coder.encodeObjectForKey(_channelArray, "channelArray");
-    } else {
-        coder.encodeObject(_name);
-        coder.encodeObject(_channelArray);
+        const KWArchiveValue texts =
+            _channelArray ? expressionTexts(_channelArray->channelEnumerator()) : nullptr;
+        if (!texts.isNil())
+            coder.encodeObjectForKey(texts, "expressionTexts");
+        return;
     }
+    coder.encodeObject(_name);
+    coder.encodeObject(_channelArray);
+    if (coder.versionForClassName(classObject().name()) < 1)
+        return;
+    KWChannelList channels;
+    if (_channelArray)
+        channels = _channelArray->channelEnumerator();
+    // An array of version 0 comes back without its groups.
+    if (_channelArray && coder.versionForClassName(KWChannelArray::classObject().name()) < 1)
+        channels = _channelArray->ungroupedChannels() ? *_channelArray->ungroupedChannels()
+                                                      : KWChannelList();
+    coder.encodeObject(expressionTexts(channels));
 }
 
 bool KWElement::initWithCoder(KWCoder& coder) {
     if (!KWChannelElement::initWithCoder(coder))
         return false;
-    const bool hasKeys = coder.allowsKeyedCoding();
-    _name = (hasKeys ? coder.decodeStringForKey("name") : coder.decodeString("name"))
-                .value_or(std::string());
-    _channelArray = hasKeys ? coder.decodeObjectOfClassForKey<KWChannelArray>("channelArray")
-                            : coder.decodeObjectOfClass<KWChannelArray>("channelArray");
+    if (coder.allowsKeyedCoding()) {
+        _name = coder.decodeStringForKey("name").value_or(std::string());
+        _channelArray = coder.decodeObjectOfClassForKey<KWChannelArray>("channelArray");
+        takeArchivedTexts(coder.decodeObjectForKey("expressionTexts"));
+    } else {
+        _name = coder.decodeString("name").value_or(std::string());
+        _channelArray = coder.decodeObjectOfClass<KWChannelArray>("channelArray");
+        if (coder.versionForClassName(classObject().name()) >= 1)
+            takeArchivedTexts(coder.decodeObject());
+    }
     if (_channelArray)
         _channelArray->setChannelsOwner(this);
+    restoreExpressionTexts(false);
     return true;
+}
+
+KWArchiveValue KWElement::expressionTexts(const KWChannelList& channels) const {
+    std::vector<KWArchiveValue> texts;
+    for (const auto& channel : algebricChannelsOf(channels))
+        texts.emplace_back(channel->sourceText().value_or(std::string()));
+    return texts.empty() ? nullptr : KWArchiveValue::mutableArray(std::move(texts));
+}
+
+void KWElement::takeArchivedTexts(const KWArchiveValue& value) {
+    const KWArchiveArray* const list = value.array();
+    const bool isGood = list && std::all_of(list->elements.begin(), list->elements.end(),
+                                            [](const auto& each) { return each.string(); });
+    // An archive may have anything there, this element included, which must not keep itself alive.
+    if (isGood || value.isNil())
+        _archivedTexts = value;
+    else
+        _archivedTexts = KWNumber(false);
+}
+
+void KWElement::finishExpressionTexts() {
+    restoreExpressionTexts(true);
+    _archivedTexts = nullptr;
+}
+
+void KWElement::restoreExpressionTexts(bool isLogging) const {
+    if (_archivedTexts.isNil())
+        return;
+    const auto log = [isLogging](const std::string& line) {
+        if (isLogging)
+            KWLog(line);
+    };
+    const auto channels =
+        algebricChannelsOf(_channelArray ? _channelArray->channelEnumerator() : KWChannelList());
+    const KWArchiveArray* const texts = _archivedTexts.array();
+    if (!texts || texts->elements.size() != channels.size())
+        return log("the texts of the expressions in \"" + _name +
+                   "\" are not those of its channels and are not restored");
+    for (std::size_t k = 0; k < channels.size(); ++k) {
+        const std::string fault = restoreText(*channels[k], texts->elements[k].string()->text);
+        if (!fault.empty())
+            log("the text of the expression of \"" + channels[k]->name() + "\" in \"" + _name +
+                "\" is not restored: " + fault);
+    }
 }
 
 void kwRegisterElementClass() {

@@ -2,12 +2,17 @@
 
 #include <KWBase/KWChannelArray.h>
 #include <KWBase/KWChannelElement.h>
+#include <KWFoundation/KWArchiveValue.h>
 #include <KWFoundation/KWUndoManager.h>
 
 /// A named thing with channels, the unit of which our documents are lists. It owns its channels:
 /// their edits register with its undo manager, and a channel is replaced through it.
 ///
-/// Archived as class "KWElement", version 0, keys "name" and "channelArray".
+/// Archived as class "KWElement", version 1, with its name, its channel array, and the texts of the
+/// array's algebraic channels as they were typed, of which an archive of the channels alone keeps
+/// less or nothing: keys "name", "channelArray" and, where there are such channels,
+/// "expressionTexts", a list of one text for each of them in the order of channelEnumerator(), ""
+/// for one without. Version 0 has no texts.
 class KWElement final : public KWChannelElement, public KWChannelOwner {
   public:
     /// With an empty channel array.
@@ -47,12 +52,26 @@ class KWElement final : public KWChannelElement, public KWChannelOwner {
                             const std::shared_ptr<KWChannel>& newChannel) override;
 
     void encodeWithCoder(KWCoder& coder) const override;
+    /// Also gives the algebraic channels their texts again, without notices and without undo. A
+    /// channel keeps what its own part of the archive gave it where its text is not one that it
+    /// would take, and all do where there are not as many texts as channels.
     bool initWithCoder(KWCoder& coder) override;
 
+    /// Gives the texts to those channels too that were still being read when the element was, and
+    /// logs a line for each that cannot be given. For whoever reads archives, once all is read; the
+    /// first call counts.
+    void finishExpressionTexts();
+
   private:
+    void takeArchivedTexts(const KWArchiveValue& value);
+    KWArchiveValue expressionTexts(const KWChannelList& channels) const;
+    void restoreExpressionTexts(bool isLogging) const;
+
     std::string _name;
     std::shared_ptr<KWChannelArray> _channelArray;
     std::weak_ptr<KWUndoManager> _undoManager;
+    /// A list of strings, until all of the archive is read; or something else that is no such list.
+    KWArchiveValue _archivedTexts;
 };
 
 /// Makes the element, and every class that its documents are made of, known to the archives. Any

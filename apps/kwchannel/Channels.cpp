@@ -1,3 +1,4 @@
+#include <KWBase/KWAlgebricChannel.h>
 #include <KWBase/KWUnitController.h>
 #include <KWFoundation/KWException.h>
 #include <KWFoundation/KWText.h>
@@ -101,7 +102,10 @@ std::vector<Place> channelsToEvaluate(const KWDocument& document,
     for (const std::string& address : addresses)
         chosen.push_back(KWDocument::placeAt(all, address));
 
+    std::size_t withoutExpression = 0;
     for (const Place& place : chosen) {
+        const auto* const algebric = dynamic_cast<const KWAlgebricChannel*>(place.channel.get());
+        withoutExpression += algebric && !algebric->sourceText();
         if (kwIsOfUnknownKind(*place.channel))
             throw DataError(document.file() + ": channel " + inQuotes(place.path) +
                             " cannot be evaluated: its class " +
@@ -112,6 +116,9 @@ std::vector<Place> channelsToEvaluate(const KWDocument& document,
                 document.file() + ": channel " + inQuotes(place.path) + " is irregular: " + why +
                 (addresses.empty() ? "; name the channels you want to leave it out" : ""));
     }
+    if (withoutExpression > 0)
+        complain(counted(withoutExpression, "channel") +
+                 " without an expression, 0 at every time; see kwchannel info");
     return chosen;
 }
 

@@ -19,8 +19,8 @@ std::string formName(KWDocument::Form form);
 KWDocument::Form formNamed(std::string_view name);
 
 /// The channels that the addresses name, in that order; all of the document's for no addresses,
-/// less those of unknown kinds, of which a warning tells. KWAddressError for an address, DataError
-/// when one of the channels cannot be evaluated.
+/// less those of unknown kinds. Warns of those, and of channels without an expression.
+/// KWAddressError for an address, DataError when one of the channels cannot be evaluated.
 std::vector<Place> channelsToEvaluate(const KWDocument& document,
                                       const std::vector<std::string>& addresses);
 

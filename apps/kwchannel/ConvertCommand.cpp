@@ -1,10 +1,11 @@
 #include <KWFoundation/KWFile.h>
 #include <KWFoundation/KWPropertyList.h>
 
-#include <apps/common/KWConversionLosses.h>
+#include <apps/common/KWPropertyListCopy.h>
 #include <apps/kwchannel/Channels.h>
 #include <apps/kwchannel/Commands.h>
 #include <apps/kwchannel/Errors.h>
+#include <apps/kwchannel/Losses.h>
 #include <apps/kwchannel/Output.h>
 #include <apps/kwchannel/Text.h>
 
@@ -57,25 +58,6 @@ KWClassVersions versionsOf(const ConvertArguments& arguments) {
     return versions;
 }
 
-/// Tells what the form cannot carry. DataError when that keeps the document from being written.
-void tellLosses(const KWDocument& document, Form form, const KWClassVersions& versions,
-                bool isLossy) {
-    const KWConversionLosses found = kwConversionLosses(document, form, versions);
-    const std::string file = printable(document.file()) + ": ";
-    for (const std::string& line : found.refusals)
-        complain(file + "cannot be written: " + printable(line));
-    for (const std::string& line : found.losses)
-        complain(file + (isLossy ? "lost: " : "would be lost: ") + printable(line));
-    if (!found.refusals.empty())
-        throw DataError(document.file() + ": not converted, as it holds what a " +
-                        (form == Form::sequential ? "sequential" : "keyed") +
-                        " archive cannot hold");
-    if (!found.losses.empty() && !isLossy)
-        throw DataError(document.file() + ": not converted, as " +
-                        counted(found.losses.size(), "thing") +
-                        " would be lost; --lossy converts all the same");
-}
-
 void runConvert(const ConvertArguments& arguments) {
     kwRegisterElementClass();
     const Form form = formOf(arguments);
@@ -87,11 +69,16 @@ void runConvert(const ConvertArguments& arguments) {
     if (form != Form::sequential && document.form() != Form::sequential) {
         // From one keyed form into the other goes the archive as it is stored, not the objects, so
         // that nothing changes but the form.
-        data = KWPropertyList::parse(contents.bytes(), arguments.document)
-                   .data(form == Form::xml ? KWPropertyList::Format::xml
-                                           : KWPropertyList::Format::binary);
+        const KWPropertyList list = KWPropertyList::parse(contents.bytes(), arguments.document);
+        if (form == Form::xml)
+            data = list.data(KWPropertyList::Format::xml);
+        else if (document.form() == Form::xml) // where equal values stand apart
+            data = kwCopyPropertyList(list).data(KWPropertyList::Format::binary);
+        else
+            data = list.data(KWPropertyList::Format::binary);
     } else {
-        tellLosses(document, form, versions, arguments.isLossy);
+        tellLosses(document, form, versions, arguments.isLossy, "not converted",
+                   "--lossy converts all the same");
         data = document.data(form, versions);
     }
 
@@ -125,7 +112,7 @@ void addConvertCommand(CLI::App& program) {
     command
         ->add_option("--class-version", arguments->versions,
                      "write classes of a sequential archive as an older program knows them: "
-                     "KWChannel=0 or 1, KWKeyFramedChannel=0, KWChannelArray=0")
+                     "KWChannel=0 or 1, KWKeyFramedChannel=0, KWChannelArray=0, KWElement=0")
         ->type_name("NAME=VERSION[,...]")
         ->allow_extra_args(false)
         ->delimiter(',');

@@ -4,48 +4,20 @@
 #include <apps/kwchannel/Json.h>
 #include <apps/kwchannel/Output.h>
 #include <apps/kwchannel/Text.h>
+#include <apps/kwchannel/TimeOptions.h>
 
 namespace {
 
 struct EvalArguments {
     std::string document;
     std::vector<std::string> channels;
-    std::vector<std::string> at;
-    std::string from, to, step;
+    TimeArguments times;
     std::vector<std::string> units;
     bool isJson = false;
 };
 
 /// One list of values a channel.
 using Values = std::vector<std::vector<float>>;
-
-// All values are held until they are known to be good; more than these are bake's business.
-constexpr std::uint64_t largestCount = 20'000'000;
-
-std::vector<float> timesOf(const EvalArguments& arguments) {
-    const bool hasRange =
-        !arguments.from.empty() || !arguments.to.empty() || !arguments.step.empty();
-    if (hasRange == !arguments.at.empty())
-        throw UseError(hasRange ? "--at and --from, --to, --step exclude each other"
-                                : "no times: give --at, or --from, --to and --step");
-    std::vector<float> times;
-    for (const std::string& text : arguments.at)
-        times.push_back(static_cast<float>(numberArgument("--at", text)));
-    if (!hasRange)
-        return times;
-
-    if (arguments.from.empty() || arguments.to.empty() || arguments.step.empty())
-        throw UseError("--from, --to and --step belong together");
-    const TimeSteps steps = TimeSteps::withStep(finiteArgument("--from", arguments.from),
-                                                finiteArgument("--to", arguments.to),
-                                                finiteArgument("--step", arguments.step));
-    if (steps.count() > largestCount)
-        throw UseError("that is " + std::to_string(steps.count()) +
-                       " times; kwchannel bake is made for so many");
-    for (std::uint64_t k = 0; k < steps.count(); ++k)
-        times.push_back(steps.time(k));
-    return times;
-}
 
 std::string evalJson(const std::vector<Place>& places, const std::vector<float>& times,
                      const Values& values) {
@@ -91,12 +63,12 @@ std::string evalTable(const std::vector<Place>& places, const std::vector<float>
 }
 
 void runEval(const EvalArguments& arguments) {
-    const std::vector<float> times = timesOf(arguments);
+    const std::vector<float> times = timesOf(arguments.times, "kwchannel bake is made for so many");
     setUnits(arguments.units);
     const KWDocument document = openDocument(arguments.document);
     const std::vector<Place> places = channelsToEvaluate(document, arguments.channels);
-    if (times.size() > largestCount / places.size())
-        throw UseError("that is more than " + std::to_string(largestCount) +
+    if (times.size() > largestValueCount / places.size())
+        throw UseError("that is more than " + std::to_string(largestValueCount) +
                        " values; kwchannel bake is made for so many");
 
     Values values(places.size(), std::vector<float>(times.size()));
@@ -120,17 +92,7 @@ void addEvalCommand(CLI::App& program) {
     command->add_option("CHANNEL", arguments->channels,
                         "paths such as Ball/Position/x, or what they end with, such as x; all "
                         "channels when there is none");
-    command->add_option("--at", arguments->at, "these times, in seconds")
-        ->type_name("T[,...]")
-        ->allow_extra_args(false)
-        ->delimiter(',');
-    command->add_option("--from", arguments->from, "the first time, in seconds")->type_name("A");
-    command
-        ->add_option(
-            "--to", arguments->to,
-            "no time after this one, in seconds; the times are A + k * S for k = 0, 1, 2, ...")
-        ->type_name("B");
-    command->add_option("--step", arguments->step, "seconds from time to time")->type_name("S");
+    addTimeOptions(*command, arguments->times);
     command
         ->add_option("--unit", arguments->units,
                      "show lengths or angles in this unit: m (the default), dm, cm, mm, in, ft, "

@@ -1,3 +1,4 @@
+#include <KWBase/KWAlgebricChannel.h>
 #include <KWBase/KWConstantChannel.h>
 #include <KWBase/KWKeyFramedChannel.h>
 
@@ -55,6 +56,8 @@ std::string kindName(const KWChannel& channel) {
         return "constant";
     if (dynamic_cast<const KWKeyFramedChannel*>(&channel))
         return "keyframed";
+    if (dynamic_cast<const KWAlgebricChannel*>(&channel))
+        return "expression";
     return kwClassName(channel);
 }
 
@@ -76,6 +79,11 @@ Json channelJson(const Place& place) {
             json["lastTime"] = last->time();
         json["mode"] = modeName(keyFramed->keyFrameChannelMode());
         json["repeat"] = repeatName(keyFramed->repeatMode());
+    }
+    if (const auto* algebric = dynamic_cast<const KWAlgebricChannel*>(&channel)) {
+        const auto text = algebric->sourceText();
+        json["text"] = text ? Json(*text) : Json();
+        json["expression"] = text ? Json(algebric->expression().value_or("")) : Json();
     }
     const std::string why = kwIrregularity(channel);
     if (!why.empty())
@@ -135,6 +143,10 @@ std::vector<std::string> channelRow(const Place& place, const std::string& inden
                      floatText(keyFramed->lastKeyframe().value_or(*first).time()) + " s";
         row.push_back(modeName(keyFramed->keyFrameChannelMode()) + ", " +
                       repeatName(keyFramed->repeatMode()));
+    }
+    if (const auto* algebric = dynamic_cast<const KWAlgebricChannel*>(&channel)) {
+        const auto text = algebric->sourceText();
+        row.push_back(text ? printable(*text) : "no expression");
     }
     if (kwIsOfUnknownKind(channel))
         row.emplace_back("of a class that is not known here");

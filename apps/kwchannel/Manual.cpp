@@ -98,7 +98,8 @@ std::string manualPage(const CLI::App& program) {
             "are told apart by #1, #2 and so on behind it.\n"
             ".SH EXIT STATUS\n"
             ".TP\n.B 0\ndone\n.TP\n.B 1\nbad data: a damaged document, one with faults or with "
-            "channels that cannot be evaluated, or one that would lose something\n.TP\n.B 2\nwrong "
+            "channels that cannot be evaluated, one that would lose something, or an expression "
+            "that cannot be read or has no derivative\n.TP\n.B 2\nwrong "
             "use\n.TP\n.B 3\nsomething cannot be read or "
             "written\n.TP\n.B 130\ninterrupted\n";
     return text;

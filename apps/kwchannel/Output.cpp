@@ -193,8 +193,11 @@ void complain(std::string_view text) {
     for (char& c : line)
         if (c == '\n')
             c = ' ';
-    line += '\n';
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+    showOnStandardError(line + '\n');
+}
+
+void showOnStandardError(std::string_view text) {
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
 }
 
 void setUpProcess() {

@@ -44,6 +44,9 @@ void print(std::string_view text);
 /// Puts one line on standard error: "kwchannel: " and the text.
 void complain(std::string_view text);
 
+/// Puts lines on standard error as they are.
+void showOnStandardError(std::string_view text);
+
 /// Makes interruptions end the program with exit code 130, a line on standard error and no
 /// temporary file left, broken pipes an error of writing, and standard streams that came closed an
 /// error when they are used.

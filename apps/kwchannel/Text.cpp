@@ -33,13 +33,6 @@ void appendEscaped(std::string& text, char c) {
     text += {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
 }
 
-/// Columns on a terminal, taking every character as one wide.
-std::size_t width(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
-        return (static_cast<unsigned char>(c) & 0xc0) != 0x80;
-    }));
-}
-
 } // namespace
 
 std::string printable(std::string_view text) {
@@ -62,6 +55,12 @@ std::string printable(std::string_view text) {
         text.remove_prefix(length);
     }
     return shown;
+}
+
+std::size_t columnCount(std::string_view text) {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xc0) != 0x80;
+    }));
 }
 
 std::string inQuotes(std::string_view text) {
@@ -122,13 +121,13 @@ std::string Table::text() const {
     for (const std::vector<std::string>& row : _rows) {
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], width(row[i]));
+            widths[i] = std::max(widths[i], columnCount(row[i]));
     }
     std::string text;
     for (const std::vector<std::string>& row : _rows) {
         std::string line;
         for (std::size_t i = 0; i < row.size(); ++i) {
-            const std::string space(widths[i] - width(row[i]), ' ');
+            const std::string space(widths[i] - columnCount(row[i]), ' ');
             const bool isRight = i < _columns.size() && _columns[i] == Align::right;
             line += (i > 0 ? "  " : "") + (isRight ? space + row[i] : row[i] + space);
         }

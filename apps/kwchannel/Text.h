@@ -11,6 +11,9 @@
 /// that names from a file can go to a terminal.
 std::string printable(std::string_view text);
 
+/// Columns on a terminal, taking every character as one wide.
+std::size_t columnCount(std::string_view text);
+
 /// The text in quotes, printable, with quotes and backslashes escaped.
 std::string inQuotes(std::string_view text);
 
