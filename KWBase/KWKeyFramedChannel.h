@@ -205,6 +205,10 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     /// Whether keys, values and shapes are equally many, the keys in order, the shapes 36 bytes.
     bool isRegular() const { return _regular; }
 
+    /// Grows with every key that is made, replaced or removed, by one, and with everything else
+    /// that changes keys: when two counts are equal, nobody has edited keys between them.
+    std::uint64_t editCount() const { return _editCount; }
+
     // --- Manipulation: edits between start and stop register no undo; stop registers one step from
     // the keys and values at the start to those at the stop, or none when they are equal. Changed
     // shapes alone do not count. For this the start keeps a copy of all keys, which outlives the
@@ -269,4 +273,5 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     std::int32_t _mode = KWKeyFrameModeHermite;
     std::int32_t _repeat = KWRepeatModeNone;
     bool _regular = true;
+    std::uint64_t _editCount = 0;
 };

@@ -66,6 +66,7 @@ bool KWKeyFramedChannel::initWithCoder(KWCoder& coder) {
     if (!KWChannel::initWithCoder(coder))
         return false;
     _saved = {};
+    ++_editCount;
     if (coder.allowsKeyedCoding())
         initWithKeys(coder);
     else

@@ -8,9 +8,13 @@ if(foundationType STREQUAL STATIC_LIBRARY)
     set(KWBASE_STATIC TRUE)
     # A static library's users link what it needs, also without "pkg-config --static".
     set(KWBASE_PC_PRIVATE "")
+    set(KWBASE_PC_CHANNELS " libhwy")
+    set(KWBASE_PC_CHANNELS_PRIVATE "")
 else()
     set(KWBASE_STATIC FALSE)
     set(KWBASE_PC_PRIVATE ".private")
+    set(KWBASE_PC_CHANNELS "")
+    set(KWBASE_PC_CHANNELS_PRIVATE " libhwy")
 endif()
 
 configure_package_config_file(
@@ -30,7 +34,11 @@ install(FILES
 # Paths in the .pc files start from the file itself, so that the installed tree can be moved.
 file(RELATIVE_PATH KWBASE_PC_PREFIX
     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-foreach(package kwbase-foundation kwbase-channels)
+set(packages kwbase-foundation kwbase-channels)
+if(KWBASE_VIEWS)
+    list(APPEND packages kwbase-desktop kwbase-views)
+endif()
+foreach(package IN LISTS packages)
     configure_file(${CMAKE_CURRENT_LIST_DIR}/${package}.pc.in
         ${PROJECT_BINARY_DIR}/${package}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${package}.pc

@@ -14,7 +14,8 @@ TEST_F(KWChannelCommand, AloneShowsItsHelp) {
 }
 
 TEST_F(KWChannelCommand, EachHelpShowsExamplesBeforeOptions) {
-    for (const char* command : {"info", "eval", "bake", "dump", "convert", "validate"}) {
+    for (const char* command :
+         {"info", "eval", "bake", "dump", "convert", "validate", "expr", "set"}) {
         const std::string help = output({command, "--help"});
         EXPECT_CONTAINS(help, std::string("  kwchannel ") + command + " ");
         EXPECT_CONTAINS(help, std::string("Usage: kwchannel ") + command);
@@ -34,7 +35,8 @@ TEST_F(KWChannelCommand, ItsManualAndCompletionNameEveryCommandAndOption) {
     const std::string completion = output({"--generate-completion", "bash"});
     EXPECT_TRUE(manual.starts_with(".TH KWCHANNEL 1")) << manual;
     EXPECT_LT(manual.find(".SH EXAMPLES"), manual.find(".SH OPTIONS"));
-    for (const char* word : {"info", "eval", "bake", "dump", "convert", "validate"}) {
+    for (const char* word :
+         {"info", "eval", "bake", "dump", "convert", "validate", "expr", "set"}) {
         EXPECT_CONTAINS(manual, std::string(".SS kwchannel ") + word);
         EXPECT_CONTAINS(completion, std::string("    ") + word + ") words=");
     }
@@ -99,7 +101,7 @@ TEST_F(KWChannelCommand, WrongUseIsOneLineWithAHint) {
 TEST_F(KWChannelCommand, AnUnknownCommandIsToldWithThoseThereAre) {
     EXPECT_CONTAINS(failure(2, {"ifno", ball}),
                     "there is no command \"ifno\"; there are info, eval, bake, dump, convert, "
-                    "validate; see kwchannel --help");
+                    "validate, plot, expr, set; see kwchannel --help");
     EXPECT_CONTAINS(failure(2, {"info", ball, "a", "b"}),
                     "these arguments were not expected: a b; see kwchannel info --help");
 }

@@ -502,3 +502,32 @@ TEST(KWKeyFramedChannelEditing, RandomEditsAgreeWithASortedListAndUndoAllTheWay)
         }
     }
 }
+
+TEST(KWKeyFramedChannel, TheEditCountGrowsByOneWithEachKeyMadeReplacedOrRemoved) {
+    Edited edited;
+    KWKeyFramedChannel& channel = *edited.channel;
+    std::uint64_t before = channel.editCount();
+    const auto grown = [&] {
+        return channel.editCount() - std::exchange(before, channel.editCount());
+    };
+    edited.set(1, 1);
+    edited.set(2, 1);
+    edited.set(2, 2);
+    EXPECT_EQ(grown(), 3u);
+    const HJHermiteParam shape{1, 0, 0, {}};
+    channel.modifyHermiteParamForKeyframe(&shape, KWTime(1));
+    EXPECT_EQ(grown(), 1u);
+    channel.removeValuesForKeyframes({KWTime(1), KWTime(7), KWTime(1)});
+    EXPECT_EQ(grown(), 1u);
+    channel.removeAllKeyframes();
+    EXPECT_EQ(grown(), 1u);
+    edited.manager->undo();
+    EXPECT_EQ(grown(), 1u);
+    channel.takeContentsOf(*channelWithKeys({{0, 1}}));
+    EXPECT_EQ(grown(), 1u);
+    channel.invalidate();
+    channel.setRepeatMode(KWRepeatModeCycle);
+    channel.startManipulation();
+    channel.stopManipulation();
+    EXPECT_EQ(grown(), 0u);
+}

@@ -13,6 +13,9 @@ void addBakeCommand(CLI::App& program);
 void addDumpCommand(CLI::App& program);
 void addConvertCommand(CLI::App& program);
 void addValidateCommand(CLI::App& program);
+void addPlotCommand(CLI::App& program);
+void addExprCommand(CLI::App& program);
+void addSetCommand(CLI::App& program);
 
 /// The whole program, ready to parse.
 void declareProgram(CLI::App& program);

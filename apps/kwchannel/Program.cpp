@@ -1,9 +1,10 @@
 #include <KWFoundation/KWArchiveError.h>
+#include <KWFoundation/KWLog.h>
 
 #include <apps/common/KWDocument.h>
 #include <apps/kwchannel/Commands.h>
-#include <apps/kwchannel/Errors.h>
 #include <apps/kwchannel/ExitCodes.h>
+#include <apps/kwchannel/Expressions.h>
 #include <apps/kwchannel/Manual.h>
 #include <apps/kwchannel/Output.h>
 #include <apps/kwchannel/Text.h>
@@ -37,7 +38,7 @@ int complainOfAddress(const CLI::App& program, const KWAddressError& error) {
     if (candidates.empty())
         return complainOfUse(program, text + "; kwchannel info shows those there are");
 
-    const bool isGuess = text.starts_with("there is no ");
+    const bool isGuess = error.reason() == KWAddressError::Reason::notFound;
     const std::size_t count = std::min(candidates.size(), shown);
     const bool isCut = candidates.size() > shown;
     text += isGuess ? "; did you mean " : ": ";
@@ -69,10 +70,44 @@ int complainOfExtras(const CLI::App& program) {
     return complainOfUse(program, text);
 }
 
+/// An expression may begin with a minus sign, which an option does as well. It goes to the end,
+/// behind the mark that ends the options.
+std::vector<std::string> withExpressionLast(const CLI::App& program,
+                                            std::vector<std::string> arguments) {
+    const auto commands = program.get_subcommands([&arguments](const CLI::App* each) {
+        return !arguments.empty() && each->get_name() == arguments[0];
+    });
+    if (commands.empty() || !commands[0]->get_option_no_throw("TEXT"))
+        return arguments;
+    const CLI::App& command = *commands[0];
+    const auto takesValue = [&command](const std::string& argument) {
+        const CLI::Option* const option =
+            argument.starts_with('-') ? command.get_option_no_throw(argument) : nullptr;
+        return option && option->get_items_expected_max() > 0;
+    };
+    std::vector<std::string> kept{arguments[0]}, texts;
+    for (std::size_t k = 1; k < arguments.size(); ++k) {
+        const std::string& argument = arguments[k];
+        if (argument == "--")
+            return arguments;
+        const bool isText = argument.size() > 1 && argument[0] == '-' && argument[1] != '-' &&
+                            !command.get_option_no_throw(argument.substr(0, 2)) &&
+                            !takesValue(arguments[k - 1]);
+        (isText ? texts : kept).push_back(argument);
+    }
+    if (!texts.empty())
+        kept.emplace_back("--");
+    kept.insert(kept.end(), texts.begin(), texts.end());
+    return kept;
+}
+
 /// Runs what was parsed and turns what goes wrong into a line and an exit code.
 int run(CLI::App& program, int argc, char** argv) {
     try {
-        program.parse(argc, argv);
+        std::vector<std::string> arguments =
+            withExpressionLast(program, {argv + std::min(argc, 1), argv + argc});
+        std::reverse(arguments.begin(), arguments.end()); // as the parser takes them
+        program.parse(std::move(arguments));
         if (program.get_subcommands().empty())
             print(program.help());
         return exitDone;
@@ -100,8 +135,9 @@ int run(CLI::App& program, int argc, char** argv) {
 
 void declareProgram(CLI::App& program) {
     program.name("kwchannel");
-    program.description("Inspects, evaluates, bakes, converts and validates documents of animation "
-                        "channels");
+    program.description(
+        "Inspects, evaluates, bakes, draws, converts, validates and edits documents of "
+        "animation channels");
     program.formatter(std::make_shared<HelpFormatter>());
     program.set_help_flag("-h,--help", "Shows this and ends");
     program.set_version_flag("--version", KWCHANNEL_VERSION, "Shows the version and ends");
@@ -109,15 +145,21 @@ void declareProgram(CLI::App& program) {
     program.footer("kwchannel info ball.kwdoc\n"
                    "kwchannel eval ball.kwdoc Position/y --from 0 --to 2 --step 0.25 --unit cm\n"
                    "kwchannel bake ball.kwdoc --from 0 --to 10 --rate 60 -o ball.csv\n"
+                   "kwchannel plot ball.kwdoc Position/y -o ball.png\n"
                    "kwchannel dump ball.kwdoc\n"
                    "kwchannel convert ball.kwdoc -o ball.xml\n"
-                   "kwchannel validate ball.kwdoc\n");
+                   "kwchannel validate ball.kwdoc\n"
+                   "kwchannel expr \"sin(t)*exp(-t/3)\" --from 0 --to 6 --step 0.5\n"
+                   "kwchannel set ball.kwdoc Position/x \"1.5*sin(t)\"\n");
     addInfoCommand(program);
     addEvalCommand(program);
     addBakeCommand(program);
     addDumpCommand(program);
     addConvertCommand(program);
     addValidateCommand(program);
+    addPlotCommand(program);
+    addExprCommand(program);
+    addSetCommand(program);
 
     // For the build; in no group, which hides them.
     program
@@ -143,12 +185,22 @@ void declareProgram(CLI::App& program) {
 
 int runProgram(int argc, char** argv) {
     setUpProcess();
+    KWSetLogHandler([](std::string_view line) {
+        // A document's text may be refused in one place and restored from another; what is without
+        // an expression in the end is told of by the commands.
+        if (!line.starts_with("set err = "))
+            complain(printable(line));
+    });
     try {
         CLI::App program;
         declareProgram(program);
         return run(program, argc, argv);
     } catch (const BrokenPipe&) {
         return exitDone;
+    } catch (const ExpressionError& error) {
+        complain(printable(error.what()));
+        showOnStandardError(error.excerpt());
+        return exitBadData;
     } catch (const KWArchiveError& error) {
         complain(printable(error.what()));
         const bool isInputOutput = error.kind() == KWArchiveError::Kind::cannotRead ||

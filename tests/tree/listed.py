@@ -10,7 +10,7 @@ import sys
 root = pathlib.Path(sys.argv[1])
 forgotten = [
     source.relative_to(root)
-    for folder in ("KWFoundation", "KWBase", "apps", "samples", "tests", "benchmarks")
+    for folder in ("KWFoundation", "KWBase", "KWDesktop", "apps", "samples", "tests", "benchmarks")
     for source in sorted((root / folder).rglob("*.cpp"))
     if source.name not in re.split(r"[\s()/]+", (source.parent / "CMakeLists.txt").read_text())
 ]

@@ -1,6 +1,6 @@
 """Runs the README's commands and compares its code with the example that is built and run.
 
-usage: readme.py SOURCE_DIRECTORY PROGRAM_DIRECTORY WORKING_DIRECTORY
+usage: readme.py SOURCE_DIRECTORY PROGRAM_DIRECTORY WORKING_DIRECTORY [without-views]
 """
 
 import os
@@ -10,7 +10,7 @@ import shutil
 import subprocess
 import sys
 
-source, programs, work = (pathlib.Path(argument).resolve() for argument in sys.argv[1:])
+source, programs, work = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
 text = (source / "README.md").read_text()
 faults = []
 
@@ -38,6 +38,8 @@ work.mkdir(parents=True)
 (work / "samples").symlink_to(source / "samples")
 environment = dict(os.environ, PATH=f"{programs}:{os.environ['PATH']}")
 commands = [line for block in blocks("sh") for line in block.splitlines()]
+if "without-views" in sys.argv[4:]:  # nothing can be drawn then
+    commands = [command for command in commands if " plot " not in command]
 if not commands:
     faults.append("there are no commands")
 for command in commands:
