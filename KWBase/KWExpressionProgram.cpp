@@ -321,7 +321,7 @@ KWExpressionProgram::KWExpressionProgram(const ExprNode* tree) : KWExpressionPro
     _start = _code.data();
     if (_depth > inlineDepth)
         _form = Form::deep;
-    else if (_start->operation == Operation::PushXTimesPlus && _code.size() == 2)
+    else if (_start->operation == Operation::PushXTimesPlus && _code[1].operation == Operation::End)
         _form = Form::linear;
 }
 

@@ -341,6 +341,21 @@ TEST(KWExpressionProgram, TheFirstFaultFromTheLeftIsTheOne) {
     EXPECT_EQ(faultOf("x/0", 0), 1);
 }
 
+TEST(KWExpressionProgram, AFaultBehindAStraightLineIsNotPassedOver) {
+    for (const char* const text : {"2*x+1+ln(0)", "1*12*x+1*0^log(0)+1"}) {
+        const KWOwnedTree tree = parsed(text);
+        const KWExpressionProgram program(tree.get());
+        std::int16_t err = 0;
+        EXPECT_EQ(program.evaluate(3, 0, &err), 0) << text;
+        EXPECT_EQ(err, 1) << text;
+    }
+    const KWOwnedTree missing =
+        node(1, node(1, node(3, x(), number(2)), number(1)), node(-3, nullptr));
+    std::int16_t err = 0;
+    EXPECT_EQ(KWExpressionProgram(missing.get()).evaluate(3, 0, &err), 0);
+    EXPECT_EQ(err, 2);
+}
+
 TEST(KWExpressionProgram, ANegativeZeroIsAValueAndAFaultIsPositiveZero) {
     const Floats xs(16, -0.0f);
     Floats values(16);
