@@ -1,5 +1,6 @@
 #include "GoldenLamp.h"
 #include "GoldenWave.h"
+#include "Thoroughness.h"
 
 #include <KWFoundation/KWException.h>
 #include <KWFoundation/KWKeyedArchiver.h>
@@ -103,7 +104,7 @@ TEST(GoldenArchives, NothingCutOrFlippedBreaksTheReader) {
     kwRegisterElementClass();
     for (const Golden& file : files) {
         const KWData whole = dataOf(contentsOf(golden(file.name)));
-        for (std::size_t place = 0; place < whole.size(); ++place) {
+        for (std::size_t place = 0; place < whole.size(); place += placeStep) {
             std::vector<KWData> variants{
                 KWData(whole.begin(), whole.begin() + std::ptrdiff_t(place))};
             for (const int bit : {0x01, 1 << (place % 7), 0x80}) {

@@ -1,6 +1,7 @@
 #include "GoldenLamp.h"
 #include "GoldenWave.h"
 #include "StreamBuilder.h"
+#include "Thoroughness.h"
 
 #include <KWFoundation/KWArchiveError.h>
 #include <KWFoundation/KWArchiver.h>
@@ -415,7 +416,7 @@ TEST(GoldenStreams, NothingCutOrFlippedBreaksTheReader) {
     for (const Stream& stream : streams()) {
         for (const bool bigEndian : {false, true}) {
             const KWData whole = stored(stream, bigEndian);
-            for (std::size_t place = 0; place < whole.size(); ++place) {
+            for (std::size_t place = 0; place < whole.size(); place += placeStep) {
                 std::vector<KWData> variants{
                     KWData(whole.begin(), whole.begin() + std::ptrdiff_t(place))};
                 for (const int flip : {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, 0x40, 0x80, 0xff}) {

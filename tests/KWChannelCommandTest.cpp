@@ -1,4 +1,5 @@
 #include <tests/CommandRunner.h>
+#include <tests/Thoroughness.h>
 
 #include <chrono>
 #include <cmath>
@@ -451,7 +452,7 @@ TEST_F(KWChannelCommand, ReadsADocumentFromStandardInput) {
 TEST_F(KWChannelCommand, CutFilesAreOneErrorThatNamesThem) {
     const std::string whole = readFile(ball);
     const std::string file = path("cut.kwdoc");
-    for (std::size_t size = 0; size < whole.size(); size += 1 + whole.size() / 40) {
+    for (std::size_t size = 0; size < whole.size(); size += placeStep * (1 + whole.size() / 40)) {
         writeFile(file, whole.substr(0, size));
         EXPECT_CONTAINS(failure(1, {"info", file}), file);
         EXPECT_CONTAINS(failure(1, {"dump", file}), file);
@@ -464,7 +465,7 @@ TEST_F(KWChannelCommand, FlippedBitsAreAnErrorOrAnotherDocument) {
     const std::string whole = readFile(ball);
     const std::string file = path("flipped.kwdoc");
     int damaged = 0;
-    for (std::size_t i = 0; i < whole.size(); i += 1 + whole.size() / 120) {
+    for (std::size_t i = 0; i < whole.size(); i += placeStep * (1 + whole.size() / 120)) {
         std::string bytes = whole;
         bytes[i] = static_cast<char>(bytes[i] ^ (1 << (i % 8)));
         writeFile(file, bytes);

@@ -4,6 +4,7 @@
 #include <tests/CommandRunner.h>
 #include <tests/DocumentTestSupport.h>
 #include <tests/SequentialBytes.h>
+#include <tests/Thoroughness.h>
 
 #include <nlohmann/json.hpp>
 
@@ -281,7 +282,7 @@ TEST_F(KWChannelForms, ValidateTellsFaultsFromWarnings) {
 TEST_F(KWChannelForms, CutStreamsAreOneErrorThatNamesThem) {
     const std::string whole = readFile(sequential(ball));
     const std::string file = path("cut.stream");
-    for (std::size_t size = 0; size < whole.size(); size += 1 + whole.size() / 40) {
+    for (std::size_t size = 0; size < whole.size(); size += placeStep * (1 + whole.size() / 40)) {
         writeFile(file, whole.substr(0, size));
         for (const char* command : {"info", "dump", "validate"})
             EXPECT_CONTAINS(failure(1, {command, file}), file);
@@ -294,7 +295,7 @@ TEST_F(KWChannelForms, FlippedBitsAreAnErrorOrAnotherDocument) {
     const std::string whole = readFile(sequential(ball));
     const std::string file = path("flipped.stream");
     int damaged = 0;
-    for (std::size_t i = 0; i < whole.size(); i += 1 + whole.size() / 120) {
+    for (std::size_t i = 0; i < whole.size(); i += placeStep * (1 + whole.size() / 120)) {
         std::string bytes = whole;
         bytes[i] = static_cast<char>(bytes[i] ^ (1 << (i % 8)));
         writeFile(file, bytes);

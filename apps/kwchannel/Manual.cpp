@@ -84,9 +84,11 @@ std::string manualPage(const CLI::App& program) {
     std::string text = ".TH KWCHANNEL 1 \"\" \"" + name + " " + program.version() + "\"\n" +
                        ".SH NAME\n" + name + " \\- " + roff(program.get_description()) +
                        "\n.SH SYNOPSIS\n";
-    for (const CLI::App* command : commandsOf(program))
-        text += ".B " + name + " " + command->get_name() + "\n" + roff(usage(*command)).substr(1) +
-                "\n.br\n";
+    for (const CLI::App* command : commandsOf(program)) {
+        const std::string arguments = usage(*command);
+        text += ".B " + name + " " + command->get_name() + "\n" +
+                (arguments.empty() ? "" : roff(arguments).substr(1) + "\n") + ".br\n";
+    }
     text += ".SH EXAMPLES\n.nf\n" + roff(examplesOf(program)) + ".fi\n.SH COMMANDS\n";
     for (const CLI::App* command : commandsOf(program))
         text += ".SS " + name + " " + command->get_name() + "\n" +

@@ -25,7 +25,7 @@ cd "$source" || exit 2
 find KWFoundation KWBase KWDesktop apps -name '*.h' | sort | while read -r header; do
     [ ! -e "$installed/$header" ] || continue
     # Headers that are not found, as Qt's are not, come out under their bare names.
-    if [ $# -eq 0 ] && "$compiler" -std=c++20 -MM -MG -I . -x c++ "$header" | grep -q ' Q[A-Z]'; then
+    if [ $# -eq 0 ] && "$compiler" -std=c++20 -M -MG -I . -x c++ "$header" | grep -q ' Q[A-Z]'; then
         continue
     fi
     echo "$header"
