@@ -75,6 +75,11 @@ KWExpressionFault KWAlgebricInterpreter::faultInExpression(const std::optional<s
     return read(node.get(), *text, mode);
 }
 
+std::uint64_t KWAlgebricInterpreter::memoryForText(const std::string& text) {
+    constexpr std::uint64_t bytesForEach = 40; // a node, its instruction and the texts
+    return bytesForEach * text.size();
+}
+
 float KWAlgebricInterpreter::evalXYExpression(float x, float y) const {
     return _program.evaluate(x, y);
 }
@@ -111,7 +116,9 @@ bool KWAlgebricInterpreter::initWithCoder(KWCoder& coder) {
         _algebricString = coder.decodeString("algebricString");
         coder.decodeValueOfObjCTypeAt("i", &_mode);
     }
-    if (_algebricString)
+    if (_algebricString) {
+        coder.spendMemory(memoryForText(*_algebricString));
         setExpressionMode(std::optional(*_algebricString), _mode);
+    }
     return true;
 }

@@ -44,6 +44,10 @@ class KW_EXPORT KWAlgebricInterpreter : public KWObject {
     static KWExpressionFault faultInExpression(const std::optional<std::string>& text,
                                                std::int32_t mode);
 
+    /// About the bytes that an interpreter takes for a text, all told: what reads archives hands it
+    /// to KWCoder::spendMemory.
+    static std::uint64_t memoryForText(const std::string& text);
+
     /// Why the last call of setExpressionMode answered false; no fault when it answered true or
     /// there was none.
     const KWExpressionFault& fault() const { return _fault; }

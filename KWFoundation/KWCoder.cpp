@@ -185,6 +185,8 @@ std::optional<std::string> KWCoder::stringOf(const KWArchiveValue& value,
     return value.string()->text;
 }
 
+void KWCoder::spendMemory(std::uint64_t) {}
+
 void KWCoder::failDecoding(const std::string& reason, std::string_view key) const {
     throw KWArchiveError(KWArchiveError::Kind::damaged, {}, std::nullopt, std::string(key), reason);
 }

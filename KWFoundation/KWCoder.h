@@ -187,6 +187,12 @@ class KW_EXPORT KWCoder {
         return objectsOfClass<T>(decodeObject(), what);
     }
 
+    /// Tells the reader that this many bytes are being made of something that it has handed out,
+    /// for an initWithCoder that makes many times the size of it. An archive may refer to one value
+    /// from many places: KWArchiveError when all that is made is more than one of its size may ask
+    /// for.
+    virtual void spendMemory(std::uint64_t bytes);
+
     /// Raises the KWArchiveError that names the archive, the place being read and the reason. For
     /// an initWithCoder that finds values it cannot use; `key` is theirs, empty without keys.
     [[noreturn]] virtual void failDecoding(const std::string& reason, std::string_view key) const;

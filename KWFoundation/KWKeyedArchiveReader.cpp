@@ -123,7 +123,7 @@ void KWKeyedArchiveReader::readFrame() {
     if (!states)
         throw std::bad_alloc();
     budget =
-        (std::uint64_t{1} << 26) + 256 * std::uint64_t{list.nodeCount()} + 16 * list.contentSize();
+        (std::uint64_t{1} << 26) + 256 * std::uint64_t{list.nodeCount()} + 64 * list.contentSize();
 }
 
 Index KWKeyedArchiveReader::target(Index reference) const {

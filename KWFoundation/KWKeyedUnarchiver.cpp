@@ -191,6 +191,10 @@ bool KWKeyedUnarchiver::decodeRecordsForKey(std::vector<std::byte>& list, std::s
     });
 }
 
+void KWKeyedUnarchiver::spendMemory(std::uint64_t bytes) {
+    _reader->spend(bytes);
+}
+
 void KWKeyedUnarchiver::failDecoding(const std::string& reason, std::string_view key) const {
     _reader->at(key, [&]() -> bool {
         const Index node = _reader->entry(key);

@@ -71,6 +71,8 @@ class KW_EXPORT KWKeyedUnarchiver : public KWCoder {
     bool decodeRecordsForKey(std::vector<std::byte>& list, std::size_t recordSize,
                              std::string_view key) override;
 
+    void spendMemory(std::uint64_t bytes) override;
+
     /// For the initWithCoder of a class that finds what it cannot use under the key.
     [[noreturn]] void failDecoding(const std::string& reason, std::string_view key) const override;
 

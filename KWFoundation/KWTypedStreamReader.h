@@ -44,6 +44,9 @@ class KWTypedStreamReader {
 
     [[noreturn]] void damaged(std::string reason) const;
 
+    /// Counts memory that is made of the archive; an error when it is out of all proportion.
+    void spend(std::uint64_t bytes);
+
   private:
     static constexpr std::uint32_t none = 0xffffffff;
 
@@ -111,7 +114,6 @@ class KWTypedStreamReader {
     [[noreturn]] void fail(KWArchiveError::Kind kind, std::string reason) const;
     std::string path() const;
     static std::string shownTypes(std::string_view types);
-    void spend(std::uint64_t bytes);
     void requireDepth() const;
 
     // Bytes, numbers, strings.

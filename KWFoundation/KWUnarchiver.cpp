@@ -98,6 +98,10 @@ bool KWUnarchiver::decodeRecords(std::vector<std::byte>& list, std::size_t recor
     return _reader->readRecords(list, recordSize);
 }
 
+void KWUnarchiver::spendMemory(std::uint64_t bytes) {
+    _reader->spend(bytes);
+}
+
 void KWUnarchiver::failDecoding(const std::string& reason, std::string_view key) const {
     _reader->damaged(key.empty() ? reason : std::string(key) + ": " + reason);
 }

@@ -63,6 +63,8 @@ class KW_EXPORT KWUnarchiver : public KWCoder {
     bool decodeRealObjects(std::vector<float>& list, const KWRealClass& aClass) override;
     bool decodeRecords(std::vector<std::byte>& list, std::size_t recordSize) override;
 
+    void spendMemory(std::uint64_t bytes) override;
+
     /// For the initWithCoder of a class that reads what it cannot use; `key` names it, or is empty.
     [[noreturn]] void failDecoding(const std::string& reason, std::string_view key) const override;
 

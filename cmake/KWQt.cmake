@@ -11,8 +11,9 @@ endif()
 # kw_use_qt(<target>)
 #
 # Has the target's own classes read by moc, and keeps Qt's short keywords and its silent conversions
-# from char* out of it.
+# from char* out of it. Qt's headers are most of what its sources read, so they are read once.
 function(kw_use_qt target)
     target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII)
     set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    target_precompile_headers(${target} PRIVATE <QtWidgets/QtWidgets>)
 endfunction()

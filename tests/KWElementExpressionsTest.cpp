@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <tests/ArchiveBuilder.h>
 #include <tests/DocumentTestSupport.h>
+#include <tests/StreamBuilder.h>
 
 #include <bit>
 
@@ -260,4 +261,71 @@ TEST(KWElementExpressions, AreOfferedToTheChannelsOnceOnly) {
     algebricAt(document, "a")->setExpression("3*t");
     element->finishExpressionTexts();
     EXPECT_EQ(textsOf(document), (Strings{"3*t", "2*t"}));
+}
+
+namespace {
+
+std::string longText(int terms, const std::string& last) {
+    std::string text;
+    for (int k = 0; k < terms; ++k)
+        text += "t+";
+    return text + last;
+}
+
+/// Why a document is not read; "" when it is.
+std::string refusal(const KWData& data) {
+    try {
+        KWDocument::read(data);
+        return {};
+    } catch (const KWArchiveError& error) {
+        EXPECT_EQ(error.kind(), KWArchiveError::Kind::unsupported);
+        return error.reason();
+    }
+}
+
+} // namespace
+
+TEST(KWElementExpressions, AnArchiveOfOneLongTextForManyChannelsIsRefused) {
+    constexpr int count = 300;
+    ArchiveBuilder builder;
+    std::vector<Number> channels;
+    for (int k = 0; k < count; ++k)
+        channels.push_back(builder.addAlgebricChannel("a"));
+    const Number array = builder.addChannelArray(channels);
+    const Number text = builder.addString(longText(16'000, "t"));
+    const Number list = builder.addList(std::vector<Number>(count, text));
+    const Number element = builder.addInstance(
+        {"KWElement", "NSObject"}, {{"name", builder.reference(builder.addString("Lamp"))},
+                                    {"channelArray", builder.reference(array)},
+                                    {"expressionTexts", builder.reference(list)}});
+    const std::string reason = "the archive refers to the same long values too often";
+    EXPECT_EQ(refusal(builder.finishWithRoot(element)), reason);
+
+    StreamBuilder stream(false);
+    const StreamBuilder::Chain interpreter{{"KWAlgebricInterpreter", 0}, {"NSObject", 0}};
+    stream.list(count, [&] {
+        int label = 0;
+        for (int k = 0; k < count; ++k)
+            stream.object(interpreter, [&] {
+                if (k == 0) {
+                    // The interpreter's class has been met by now, the string's not.
+                    label = stream.nextLabel();
+                    stream.string(longText(16'000, "t"));
+                } else {
+                    stream.again(label);
+                }
+                stream.i(KWExpressionModeT);
+            });
+    });
+    EXPECT_EQ(refusal(stream.bytes()), reason);
+}
+
+TEST(KWElementExpressions, ManyLongTextsOfTheirOwnComeBack) {
+    std::vector<std::shared_ptr<KWChannel>> channels;
+    for (int k = 0; k < 200; ++k)
+        channels.push_back(
+            algebricChannel("a" + std::to_string(k), longText(5'000, std::to_string(k))));
+    const KWDocument document = documentWith({elementWith("Lamp", channels)});
+    for (const Form form : forms)
+        EXPECT_TRUE(textsOf(KWDocument::read(document.data(form))) == textsOf(document));
 }

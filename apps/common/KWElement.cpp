@@ -138,6 +138,9 @@ bool KWElement::initWithCoder(KWCoder& coder) {
     }
     if (_channelArray)
         _channelArray->setChannelsOwner(this);
+    if (const KWArchiveArray* const texts = _archivedTexts.array())
+        for (const KWArchiveValue& text : texts->elements)
+            coder.spendMemory(KWAlgebricInterpreter::memoryForText(text.string()->text));
     restoreExpressionTexts(false);
     return true;
 }
