@@ -39,6 +39,7 @@ class RatioReporter final : public benchmark::ConsoleReporter {
 
     void Finalize() override {
         ConsoleReporter::Finalize();
+        _times[KWFrameOf60Hz] = {1.0 / 60};
         for (const KWRatio& ratio : ratios()) {
             const auto ours = _times.find(ratio.ours);
             const auto peer = _times.find(ratio.peer);

@@ -16,5 +16,8 @@ struct KWRatio {
     double bound;
 };
 
+/// What a peer may be called: no benchmark, but the time that a screen of 60 Hz gives a frame.
+inline constexpr const char* KWFrameOf60Hz = "a frame of 60 Hz";
+
 /// Has the ratio printed. Called before the benchmarks run; answers true so that it can initialise.
 bool KWReportRatio(KWRatio ratio);
