@@ -1,6 +1,9 @@
 #pragma once
 
 #include <KWBase/KWChannel.h>
+#include <KWBase/KWKeyFrames.h>
+
+#include <cstdint>
 
 class KWKeyFramedChannel;
 
@@ -17,7 +20,13 @@ class KW_EXPORT KWChannelCursor {
     const std::shared_ptr<const KWChannel>& channel() const { return _channel; }
 
   private:
+    float valueElsewhere(KWTime time);
+
     std::shared_ptr<const KWChannel> _channel;
     const KWKeyFramedChannel* _keyFramed; ///< null for channels of other kinds
     std::uint32_t _segment = 0;           ///< the key that preceded the last time
+    // The stretch from that key to the next one, provided that the channel's count of edits is
+    // still the same; at first it is not.
+    std::uint64_t _editCount = UINT64_MAX;
+    KWKeyFrameStretch _stretch;
 };

@@ -67,16 +67,21 @@ struct KWKeyFrameCurve {
         return mappedTime(t, keys[0], keys[count - 1], mode, repeat);
     }
 
-    /// Between key i, which must not be the last, and the next one.
-    float valueInside(std::uint32_t i, float t) const {
+    /// From key i, which must not be the last, to the next one.
+    KWKeyFrameStretch stretch(std::uint32_t i) const {
+        return {keys[i], keys[i + 1], values[i], values[i + 1], tangents[i]};
+    }
+
+    float valueInside(std::uint32_t i, float t) const { return valueInside(stretch(i), t, mode); }
+
+    static float valueInside(const KWKeyFrameStretch& x, float t, std::int32_t mode) {
         if (mode == KWKeyFrameModeHermite) {
-            const float s = 1.0f - (keys[i + 1] - t) / (keys[i + 1] - keys[i]);
-            return blend(s, values[i], values[i + 1], tangents[i].start, tangents[i].end);
+            const float s = 1.0f - (x.to - t) / (x.to - x.from);
+            return blend(s, x.fromValue, x.toValue, x.tangents.start, x.tangents.end);
         }
         if (mode == KWKeyFrameModeLinear)
-            return values[i + 1] +
-                   ((keys[i + 1] - t) / (keys[i + 1] - keys[i])) * (values[i] - values[i + 1]);
-        return mode == KWKeyFrameModeStep ? values[i] : 0.0f;
+            return x.toValue + ((x.to - t) / (x.to - x.from)) * (x.fromValue - x.toValue);
+        return mode == KWKeyFrameModeStep ? x.fromValue : 0.0f;
     }
 
     /// The cubic with those end values and slopes, at s from 0 to 1. Real is a float, or several.
@@ -107,4 +112,16 @@ inline KWKeyFrameCurve KWKeyFramedChannel::curve() const {
             keyframeCount(),
             _mode,
             _repeat};
+}
+
+inline std::uint32_t KWKeyFramedChannel::countNotAfter(const KWKeyFrameCurve& curve,
+                                                       float time) const {
+    if (!(time >= curve.keys[0])) // NaN counts as after all
+        return time == time ? 0 : curve.count;
+    if (time >= curve.keys[curve.count - 1])
+        return curve.count;
+    if (const KWKeyFrameIndex* const index = _index.index()) [[likely]]
+        return index->countNotAfter(curve.keys, time);
+    _index.noteSearch({curve.keys, curve.count});
+    return KWKeyFrameCurve::countNotAfter(curve.keys, curve.count, time);
 }

@@ -37,7 +37,7 @@ bool KWKeyFramedChannel::takeContentsOf(const KWChannel& other) {
     _mode = source->_mode;
     _repeat = source->_repeat;
     _regular = source->_regular;
-    ++_editCount;
+    keysChange();
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <KWBase/KWChannel.h>
+#include <KWBase/KWKeyFrameIndex.h>
 #include <KWBase/KWKeyFrames.h>
 #include <KWFoundation/KWTypes.h>
 
@@ -250,11 +251,16 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
 
     // Upkeep of what evaluation relies on.
     bool isOrderly() const;
+    void keysChange() {
+        ++_editCount;
+        _index.drop();
+    }
     void refresh();
     void refreshTangents(std::size_t firstSegment, std::size_t lastSegment);
 
     // Evaluation: the curve of a regular channel, and the stated steps one by one for any other.
     KWKeyFrameCurve curve() const;
+    std::uint32_t countNotAfter(const KWKeyFrameCurve& curve, float time) const;
     float valueByWalking(float time) const;
     float interpolate(std::uint32_t preceding, float time) const;
     KWKeyFrameTangents tangents(std::uint32_t preceding, std::uint32_t from,
@@ -274,4 +280,5 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     std::int32_t _repeat = KWRepeatModeNone;
     bool _regular = true;
     std::uint64_t _editCount = 0;
+    KWKeyFrameIndexSlot _index;
 };

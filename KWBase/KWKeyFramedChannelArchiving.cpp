@@ -66,7 +66,7 @@ bool KWKeyFramedChannel::initWithCoder(KWCoder& coder) {
     if (!KWChannel::initWithCoder(coder))
         return false;
     _saved = {};
-    ++_editCount;
+    keysChange();
     if (coder.allowsKeyedCoding())
         initWithKeys(coder);
     else

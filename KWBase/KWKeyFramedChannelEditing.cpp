@@ -314,7 +314,7 @@ void KWKeyFramedChannel::insertKey(std::size_t index, float value, Record record
     if (_regular)
         KWPrepareInsert(_tangents);
     frames.records.insert(recordIndex, record);
-    ++_editCount;
+    keysChange();
     frames.keys.insert(frames.keys.begin() + static_cast<std::ptrdiff_t>(index), key);
     frames.values.insert(frames.values.begin() + static_cast<std::ptrdiff_t>(valueIndex), value);
     if (!_regular || frames.records.hasOddLengths()) [[unlikely]]
@@ -328,7 +328,7 @@ void KWKeyFramedChannel::replaceKey(std::size_t index, std::optional<float> valu
     if ((value && index >= _frames.values.size()) || index >= _frames.records.size())
         throw std::out_of_range("a key has no value or no shape");
     _frames.records.replace(index, record);
-    ++_editCount;
+    keysChange();
     if (value)
         _frames.values[index] = *value;
     if (!_regular || _frames.records.hasOddLengths()) [[unlikely]]
@@ -338,7 +338,7 @@ void KWKeyFramedChannel::replaceKey(std::size_t index, std::optional<float> valu
 
 void KWKeyFramedChannel::removeKey(std::size_t index) {
     const auto at = static_cast<std::ptrdiff_t>(index);
-    ++_editCount;
+    keysChange();
     _frames.keys.erase(_frames.keys.begin() + at);
     _frames.values.erase(_frames.values.begin() + at);
     _frames.records.erase(index);
@@ -349,7 +349,7 @@ void KWKeyFramedChannel::removeKey(std::size_t index) {
 }
 
 void KWKeyFramedChannel::clearKeys() {
-    ++_editCount;
+    keysChange();
     _frames.keys.clear();
     _frames.values.clear();
     _frames.records.clear();
@@ -381,7 +381,7 @@ void KWKeyFramedChannel::stopManipulation() {
         // Out of memory, say: at least the keys are not lost.
         KWChannel::stopManipulation();
         _frames = std::move(end);
-        ++_editCount;
+        keysChange();
         refresh();
         throw;
     }

@@ -15,7 +15,7 @@
         return curve.count == 0 ? 0.0f : curve.values[0];
     if (curve.repeat != KWRepeatModeNone)
         t = curve.mappedTime(t);
-    const std::uint32_t preceding = KWKeyFrameCurve::countNotAfter(curve.keys, curve.count, t) - 1;
+    const std::uint32_t preceding = countNotAfter(curve, t) - 1;
     if (preceding >= curve.count - 1) [[unlikely]] {
         if (curve.repeat == KWRepeatModeNone)
             return curve.values[preceding < curve.count ? preceding : 0];

@@ -85,6 +85,15 @@ struct KWKeyFrameTangents {
     float end = 0;
 };
 
+/// What evaluation knows of the stretch between two keys.
+struct KWKeyFrameStretch {
+    float from = 0; ///< times, in seconds
+    float to = 0;
+    float fromValue = 0;
+    float toValue = 0;
+    KWKeyFrameTangents tangents;
+};
+
 /// Makes room for one more element, at least doubling the room when there is none.
 template <class T>
 void KWPrepareInsert(std::vector<T>& list) {

@@ -1,0 +1,69 @@
+#include <KWBase/KWFloat4.h>
+#include <KWBase/KWKeyFrameCurve.h>
+#include <KWBase/KWKeyFrameIndex.h>
+
+#include <bit>
+#include <cmath>
+#include <new>
+
+namespace {
+
+/// As many keys as one comparison looks at.
+constexpr std::uint32_t block = 4;
+
+} // namespace
+
+std::unique_ptr<const KWKeyFrameIndex> KWKeyFrameIndex::make(std::span<const float> keys) {
+    // Without infinities, and with a scale that is a positive number, all the buckets of times
+    // between the first and the last key are.
+    constexpr std::size_t most = std::size_t{1} << 28;
+    if (keys.size() < block || keys.size() > most)
+        return nullptr;
+    const float span = keys.back() - keys.front();
+    const float scale = static_cast<float>(2 * keys.size()) / span;
+    if (!std::isfinite(span) || !std::isnormal(scale))
+        return nullptr;
+    std::unique_ptr<KWKeyFrameIndex> made(new KWKeyFrameIndex);
+    made->_first = keys.front();
+    made->_scale = scale;
+    made->_lastBlock = static_cast<std::uint32_t>(keys.size()) - block;
+    std::vector<std::uint32_t>& starts = made->_starts;
+    starts.reserve(made->bucketOf(keys.back()) + 2);
+    for (std::uint32_t k = 0; k < keys.size(); ++k)
+        starts.resize(made->bucketOf(keys[k]) + 1, k);
+    starts.push_back(static_cast<std::uint32_t>(keys.size()));
+    return made;
+}
+
+std::uint32_t KWKeyFrameIndex::countNotAfter(const float* keys, float t) const {
+    const std::size_t bucket = bucketOf(t);
+    const std::uint32_t from = std::min(_starts[bucket], _lastBlock);
+    const KWFloat4 four = KWFloat4Load(keys + from);
+    const unsigned after = KWInt4Bits(four > KWFloat4All(t)) | 1u << block;
+    const std::uint32_t found = from + static_cast<std::uint32_t>(std::countr_zero(after));
+    if (found < from + block) [[likely]]
+        return found;
+    const std::uint32_t end = _starts[bucket + 1];
+    return found + (found < end ? KWKeyFrameCurve::countNotAfter(keys + found, end - found, t) : 0);
+}
+
+void KWKeyFrameIndexSlot::make(std::span<const float> keys) const {
+    std::unique_ptr<const KWKeyFrameIndex> made;
+    try {
+        made = KWKeyFrameIndex::make(keys);
+    } catch (const std::bad_alloc&) {
+        // It goes without.
+    }
+    if (!made) {
+        _searches.store(refused, std::memory_order_relaxed);
+        return;
+    }
+    // Another thread may have been first.
+    const KWKeyFrameIndex* none = nullptr;
+    if (_index.compare_exchange_strong(none, made.get(), std::memory_order_acq_rel))
+        made.release();
+}
+
+void KWKeyFrameIndexSlot::discard() {
+    delete _index.exchange(nullptr, std::memory_order_relaxed);
+}
