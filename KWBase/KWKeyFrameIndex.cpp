@@ -2,6 +2,7 @@
 #include <KWBase/KWKeyFrameCurve.h>
 #include <KWBase/KWKeyFrameIndex.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <new>
@@ -9,7 +10,9 @@
 namespace {
 
 /// As many keys as one comparison looks at.
-constexpr std::uint32_t block = 4;
+constexpr std::int32_t block = 4;
+/// More keys than a bucket should have.
+constexpr std::int32_t crowd = 6;
 
 } // namespace
 
@@ -17,7 +20,7 @@ std::unique_ptr<const KWKeyFrameIndex> KWKeyFrameIndex::make(std::span<const flo
     // Without infinities, and with a scale that is a positive number, all the buckets of times
     // between the first and the last key are.
     constexpr std::size_t most = std::size_t{1} << 28;
-    if (keys.size() < block || keys.size() > most)
+    if (keys.size() < std::size_t{block} || keys.size() > most)
         return nullptr;
     const float span = keys.back() - keys.front();
     const float scale = static_cast<float>(2 * keys.size()) / span;
@@ -26,25 +29,27 @@ std::unique_ptr<const KWKeyFrameIndex> KWKeyFrameIndex::make(std::span<const flo
     std::unique_ptr<KWKeyFrameIndex> made(new KWKeyFrameIndex);
     made->_first = keys.front();
     made->_scale = scale;
-    made->_lastBlock = static_cast<std::uint32_t>(keys.size()) - block;
-    std::vector<std::uint32_t>& starts = made->_starts;
+    made->_lastBlock = static_cast<std::int32_t>(keys.size()) - block;
+    std::vector<std::int32_t>& starts = made->_starts;
     starts.reserve(made->bucketOf(keys.back()) + 2);
-    for (std::uint32_t k = 0; k < keys.size(); ++k)
-        starts.resize(made->bucketOf(keys[k]) + 1, k);
-    starts.push_back(static_cast<std::uint32_t>(keys.size()));
+    for (std::size_t k = 0; k < keys.size(); ++k) {
+        starts.resize(made->bucketOf(keys[k]) + 1, static_cast<std::int32_t>(k));
+        made->_isCrowded |= static_cast<std::int32_t>(k) - starts.back() >= crowd;
+    }
+    starts.push_back(static_cast<std::int32_t>(keys.size()));
     return made;
 }
 
 std::uint32_t KWKeyFrameIndex::countNotAfter(const float* keys, float t) const {
     const std::size_t bucket = bucketOf(t);
-    const std::uint32_t from = std::min(_starts[bucket], _lastBlock);
+    const std::int32_t from = std::min(_starts[bucket], _lastBlock);
     const KWFloat4 four = KWFloat4Load(keys + from);
     const unsigned after = KWInt4Bits(four > KWFloat4All(t)) | 1u << block;
-    const std::uint32_t found = from + static_cast<std::uint32_t>(std::countr_zero(after));
-    if (found < from + block) [[likely]]
+    const auto found = static_cast<std::uint32_t>(from + std::countr_zero(after));
+    const auto end = static_cast<std::uint32_t>(_starts[bucket + 1]);
+    if (after != 1u << block || found >= end) [[likely]]
         return found;
-    const std::uint32_t end = _starts[bucket + 1];
-    return found + (found < end ? KWKeyFrameCurve::countNotAfter(keys + found, end - found, t) : 0);
+    return found + KWKeyFrameCurve::countNotAfter(keys + found, end - found, t);
 }
 
 void KWKeyFrameIndexSlot::make(std::span<const float> keys) const {

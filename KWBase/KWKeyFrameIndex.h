@@ -22,6 +22,14 @@ class KWKeyFrameIndex {
     /// the last one. The keys are those that the index was made of.
     std::uint32_t countNotAfter(const float* keys, float t) const;
 
+    // For those who look up several times at once.
+    float first() const { return _first; }
+    float scale() const { return _scale; } ///< buckets in a second
+    /// How many keys lie in earlier buckets; one more than there are buckets.
+    const std::int32_t* starts() const { return _starts.data(); }
+    /// Whether keys lie so close that some bucket has many of them.
+    bool isCrowded() const { return _isCrowded; }
+
   private:
     KWKeyFrameIndex() = default;
 
@@ -30,10 +38,10 @@ class KWKeyFrameIndex {
     }
 
     float _first = 0;
-    float _scale = 0; ///< buckets in a second
-    std::uint32_t _lastBlock = 0;
-    /// How many keys lie in earlier buckets; one more than there are buckets.
-    std::vector<std::uint32_t> _starts;
+    float _scale = 0;
+    std::int32_t _lastBlock = 0;
+    bool _isCrowded = false;
+    std::vector<std::int32_t> _starts;
 };
 
 /// Where a channel keeps its index. One is made when so many times have been searched for without
@@ -50,8 +58,12 @@ class KW_EXPORT KWKeyFrameIndexSlot {
     const KWKeyFrameIndex* index() const { return _index.load(std::memory_order_acquire); }
 
     /// To be called at every search without an index.
-    void noteSearch(std::span<const float> keys) const {
-        const std::uint32_t searches = _searches.load(std::memory_order_relaxed) + 1;
+    void noteSearch(std::span<const float> keys) const { noteSearches(keys, 1); }
+    /// To be called at so many at once.
+    void noteSearches(std::span<const float> keys, std::size_t count) const {
+        if (index())
+            return;
+        const std::uint64_t searches = _searches.load(std::memory_order_relaxed) + count;
         _searches.store(searches, std::memory_order_relaxed);
         if (searches < refused && searches >= keys.size() / 4) [[unlikely]]
             make(keys);
@@ -65,11 +77,11 @@ class KW_EXPORT KWKeyFrameIndexSlot {
 
   private:
     /// As many searches as are never reached stand for keys that no index can be made of.
-    static constexpr std::uint32_t refused = 0x80000000;
+    static constexpr std::uint64_t refused = std::uint64_t{1} << 62;
 
     void make(std::span<const float> keys) const;
     void discard();
 
     mutable std::atomic<const KWKeyFrameIndex*> _index = nullptr;
-    mutable std::atomic<std::uint32_t> _searches = 0;
+    mutable std::atomic<std::uint64_t> _searches = 0;
 };

@@ -1,5 +1,6 @@
 #include <KWBase/KWFloat4.h>
 #include <KWBase/KWKeyFrameCurve.h>
+#include <KWBase/KWKeyFrameKernels.h>
 
 #include <algorithm>
 #include <bit>
@@ -17,12 +18,15 @@ namespace {
 /// channel.
 class Sampler {
   public:
-    Sampler(const KWKeyFramedChannel& channel, const KWKeyFrameCurve& curve)
-        : _channel(channel), _curve(curve), _last(static_cast<std::int32_t>(curve.count) - 1) {}
+    /// The index may be null.
+    Sampler(const KWKeyFramedChannel& channel, const KWKeyFrameCurve& curve,
+            const KWKeyFrameIndex* index)
+        : _channel(channel), _curve(curve), _last(static_cast<std::int32_t>(curve.count) - 1),
+          _index(index), _kernels(KWKeyFrameKernels::best()) {}
 
     static constexpr std::size_t chunk = 512;
     /// How far beyond the chunk both buffers reach.
-    static constexpr std::size_t margin = 12;
+    static constexpr std::size_t margin = KWKeyFrameKernels::lanes;
 
     /// At most a chunk of times: mapped into the keyed range, and `times` as they came. The margin
     /// must hold times too, of whatever kind.
@@ -30,6 +34,8 @@ class Sampler {
         for (_done = 0; _done < count;) {
             const float* t = mapped + _done;
             float* to = values + _done;
+            if (_kernels && sampleWidely(times, t, to, values, count))
+                continue;
             std::size_t length = run(t, to);
             if (length < 4) {
                 length = 4;
@@ -51,6 +57,42 @@ class Sampler {
     struct Stretch {
         KWFloat4 ti, tj, vi, vj, start, end;
     };
+
+    /// With the wide vectors of this processor. False when nothing could be done.
+    bool sampleWidely(const float* times, const float* t, float* to, float* values,
+                      std::size_t count) {
+        if (!_isScattered) {
+            const KWKeyFrameStretch stretch = _curve.stretch(static_cast<std::uint32_t>(_segment));
+            const std::size_t start = _done;
+            bool hasNaN = false;
+            const std::size_t length =
+                _kernels->run(stretch, _curve.mode, t, to, count - start, hasNaN);
+            if (hasNaN) [[unlikely]]
+                for (std::size_t k = start; k < start + length; ++k)
+                    if (values[k] != values[k])
+                        ask(times, values, k);
+            // Rising times go on in the next stretch.
+            _segment = std::min(_segment + 1, _last - 1);
+            _done = start + length;
+            _isScattered = length < 4 && _index;
+            if (length != 0)
+                return true;
+        }
+        if (!_index)
+            return false;
+        const std::size_t length = std::min(KWKeyFrameKernels::block, count - _done);
+        const std::size_t start = _done;
+        std::uint64_t wrong = _kernels->scattered(_curve, *_index, t, to, length);
+        for (; wrong != 0; wrong &= wrong - 1)
+            ask(times, values, start + static_cast<std::size_t>(std::countr_zero(wrong)));
+        _done = start + length;
+        const std::size_t last = length - 1;
+        const std::uint32_t preceding =
+            KWKeyFrameCurve::countNotAfter(_curve.keys, _curve.count, t[last]) - 1;
+        _segment = std::clamp(static_cast<std::int32_t>(preceding), 0, _last - 1);
+        _isScattered = false;
+        return true;
+    }
 
     /// Evaluates as if twelve times lay in the expected stretch, and answers how many do before the
     /// first that does not. Nothing is done when that is one of the first four.
@@ -178,14 +220,22 @@ class Sampler {
             const bool isOutside = (_outside >> (k - start) & 1) != 0;
             if (!isOutside && values[k] == values[k])
                 continue;
-            _done = k;
-            values[k] = _channel.KWKeyFramedChannel::valueForTime(KWTime(times[k]));
+            ask(times, values, k);
         }
+    }
+
+    // An exception leaves it clear how far the values are right.
+    void ask(const float* times, float* values, std::size_t k) {
+        _done = k;
+        values[k] = _channel.KWKeyFramedChannel::valueForTime(KWTime(times[k]));
     }
 
     const KWKeyFramedChannel& _channel;
     const KWKeyFrameCurve _curve;
     const std::int32_t _last;
+    const KWKeyFrameIndex* const _index;
+    const KWKeyFrameKernels* const _kernels;
+    bool _isScattered = false; ///< whether the latest times were not in one stretch
     std::int32_t _segment = 0; ///< where the next time is expected
     std::size_t _done = 0;
     unsigned _repairs = 0; ///< not 0 when some latest value is to be asked of the channel:
@@ -210,7 +260,8 @@ void KWKeyFramedChannel::valuesForTimes(std::span<const float> times,
     alignas(16) float mapped[chunk + Sampler::margin];
     alignas(16) float results[chunk + Sampler::margin];
     const KWKeyFrameCurve curve = this->curve();
-    Sampler sampler(*this, curve);
+    _index.noteSearches({curve.keys, curve.count}, times.size());
+    Sampler sampler(*this, curve, _index.index());
     for (std::size_t at = 0; at < times.size(); at += chunk) {
         const std::size_t count = std::min(chunk, times.size() - at);
         const float* from = times.data() + at;

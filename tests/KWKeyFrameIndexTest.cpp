@@ -217,6 +217,16 @@ TEST(KWKeyFrameIndex, ACursorReadsAChannelThatNeverHadKeys) {
     EXPECT_EQ(cursor.valueForTime(KWTime(1)), 0.0f);
 }
 
+TEST(KWKeyFrameIndex, TellsWhereKeysCrowd) {
+    std::vector<float> keys;
+    for (int k = 0; k < 100; ++k)
+        keys.push_back(static_cast<float>(k));
+    EXPECT_FALSE(KWKeyFrameIndex::make(keys)->isCrowded());
+    for (int k = 0; k < 7; ++k)
+        keys.push_back(std::nextafter(keys.back(), 200.0f));
+    EXPECT_TRUE(KWKeyFrameIndex::make(keys)->isCrowded());
+}
+
 TEST(KWKeyFrameIndex, SeveralThreadsMayMakeIt) {
     std::vector<float> keys;
     for (int k = 0; k < 400; ++k)

@@ -16,7 +16,7 @@ FLOORS = [
      "KWExpressionText", "KWExpressionTree", "KWAlgebricInterpreter"],
     ["KWChannelOwner", "KWDeepCopy", "KWChannel"],
     ["KWConstantChannel", "KWFloat4", "KWKeyFrames", "KWKeyFrameCurve", "KWKeyFrameIndex",
-     "KWKeyFramedChannel",
+     "KWKeyFrameKernels", "KWKeyFramedChannel",
      "KWKeyFramedChannelArchiving", "KWKeyFramedChannelEditing", "KWKeyFramedChannelEvaluation",
      "KWKeyFramedChannelSampling", "KWAlgebricChannel", "KWUnknownChannel", "KWChannelCursor"],
     ["KWChannelGroup", "KWChannelArray", "KWChannelElement", "KWFormatter"],
