@@ -65,13 +65,23 @@ std::vector<KWGridLine> KWGridLines(float min, float max, float step) {
     // At most one more than `count` lines, and then some for what rounding adds.
     if (!(count < 1e15))
         return {};
-    const std::int64_t stride = 1 + static_cast<std::int64_t>(count) / KWGridLineLimit;
+    // There are not even ten major lines, and none of them is left out.
+    const std::int64_t stride = 1 + static_cast<std::int64_t>(count) / (KWGridLineLimit - 16);
+    std::int64_t next = 0;
+    std::int64_t nextMajor = std::numeric_limits<std::int64_t>::max();
+    if (interval != 0)
+        nextMajor = start % interval > 0 ? interval - start % interval : -(start % interval);
     std::vector<KWGridLine> lines;
-    for (std::int64_t k = 0; lines.size() < KWGridLineLimit; k += stride) {
+    while (lines.size() < KWGridLineLimit) {
+        const std::int64_t k = std::min(next, nextMajor);
         const float at = first + static_cast<float>(k) * step;
         if (!(max > at))
             break;
-        lines.push_back({at, interval != 0 && (start + k) % interval == 0});
+        lines.push_back({at, k == nextMajor});
+        if (k == next)
+            next += stride;
+        if (k == nextMajor)
+            nextMajor += interval;
     }
     return lines;
 }

@@ -65,7 +65,7 @@ KW_EXPORT float findFirst(float min, float step);
 } // namespace kwbase
 
 /// No grid has more lines than this: of more, as many are left out between one and the next as
-/// needed. They all fall on the same points anyway.
+/// needed, but no major ones. They all fall on the same points anyway.
 inline constexpr std::uint32_t KWGridLineLimit = 20'000;
 
 /// The lines of a grid from min up to but not including max, rising: first + k * step for k = 0, 1,

@@ -229,6 +229,23 @@ TEST(KWChannelViewGeometry, AnAbsurdNumberOfLinesIsThinnedOut) {
     }
 }
 
+TEST(KWChannelViewGeometry, ThinningOutKeepsTheMajorLines) {
+    EXPECT_EQ(majorsOf(KWGridLines(0, 1e6f, 1)),
+              (std::vector<float>{0, 200'000, 400'000, 600'000, 800'000}));
+    EXPECT_EQ(majorsOf(KWGridLines(0, 999'983, 1)),
+              (std::vector<float>{0, 199'996, 399'992, 599'988, 799'984, 999'980}));
+    EXPECT_EQ(majorsOf(KWGridLines(-250'001, 749'999, 1)),
+              (std::vector<float>{-200'000, 0, 200'000, 400'000, 600'000}));
+    for (const float max : {20'000.0f, 20'001.0f, 100'000.0f, 999'983.0f, 16'777'216.0f}) {
+        const auto lines = KWGridLines(0, max, 1);
+        EXPECT_LE(lines.size(), KWGridLineLimit);
+        EXPECT_TRUE(std::is_sorted(lines.begin(), lines.end(),
+                                   [](const auto& a, const auto& b) { return a.at <= b.at; }));
+        EXPECT_GE(majorsOf(lines).size(), 5u) << max;
+        EXPECT_GT(lines.back().at, max * 0.9998f);
+    }
+}
+
 TEST(KWChannelViewGeometry, LinesStandAtMultiplesCountedFromTheFirst) {
     Numbers number;
     for (int i = 0; i < 3000; ++i) {
