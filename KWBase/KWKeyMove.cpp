@@ -5,16 +5,15 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-std::uint64_t distinctCount(const std::vector<KWTime>& times) {
-    std::vector<KWTime> sorted = times;
-    if (!std::is_sorted(sorted.begin(), sorted.end()))
-        std::sort(sorted.begin(), sorted.end());
-    return static_cast<std::uint64_t>(std::unique(sorted.begin(), sorted.end()) - sorted.begin());
+std::vector<KWTime> KWKeyMove::inOrderOfRemoval(std::vector<KWTime> times) {
+    std::erase_if(times, [](KWTime time) { return std::isnan(time.time()); });
+    if (std::is_sorted(times.begin(), times.end()))
+        std::reverse(times.begin(), times.end());
+    else
+        std::sort(times.begin(), times.end(), [](KWTime a, KWTime b) { return a > b; });
+    times.erase(std::unique(times.begin(), times.end()), times.end());
+    return times;
 }
-
-} // namespace
 
 KWKeyMove::KWKeyMove(std::shared_ptr<KWKeyFramedChannel> channel)
     : _channel(std::move(channel)), _editCount(_channel->editCount()) {}
@@ -97,10 +96,10 @@ bool KWKeyMove::moveBy(float time, float value, const std::optional<Lattice>& la
         keys.emplace_back(newTime);
         values.push_back(newValue);
     }
-    const std::vector<KWTime> before = std::exchange(_keys, keys);
+    const std::vector<KWTime> before = inOrderOfRemoval(std::exchange(_keys, keys));
     raised.during([&] {
         // Whatever is thrown meanwhile, what has been removed is set again.
-        write(distinctCount(before) + keys.size(), [&] {
+        write(before.size() + keys.size(), [&] {
             raised.during([&] { _channel->removeValuesForKeyframes(before); });
             for (const KWTime key : keys)
                 raised.during([&] { rememberKeyAt(key); });
@@ -117,6 +116,7 @@ void KWKeyMove::putBack(KWFirstException& raised) {
     std::vector<KWTime> removed = std::exchange(_keys, {});
     if (_made)
         removed.push_back(*_made);
+    removed = inOrderOfRemoval(std::move(removed));
     std::vector<KWTime> keys;
     std::vector<float> values;
     std::vector<KWData> records;

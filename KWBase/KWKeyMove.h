@@ -16,6 +16,10 @@
 /// through it while it writes.
 class KWKeyMove {
   public:
+    /// The times, each once, from the last to the first; without those that are no number. In this
+    /// order keys are removed quickly: none that is to go moves up first.
+    static std::vector<KWTime> inOrderOfRemoval(std::vector<KWTime> times);
+
     /// The distance of the lines that moved keys jump to.
     struct Lattice {
         float time;
