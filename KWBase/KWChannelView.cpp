@@ -16,8 +16,15 @@ namespace {
 
 constexpr int stepCountLimit = 1'000'000;
 
-KWPlotPoint plotPoint(const QPointF& point) {
-    return {static_cast<float>(point.x()), static_cast<float>(point.y())};
+/// Whether two numbers are the same, be it that both are none: views that follow each other would
+/// tell each other without end of a NaN that is not even equal to itself.
+bool isSame(float a, float b) {
+    return a == b || (std::isnan(a) && std::isnan(b));
+}
+
+bool isSame(const KWDisplayedRange& a, const KWDisplayedRange& b) {
+    return isSame(a.hMin, b.hMin) && isSame(a.hMax, b.hMax) && isSame(a.vMin, b.vMin) &&
+           isSame(a.vMax, b.vMax);
 }
 
 /// What a grid resolution from 0 to 1 asks for.
@@ -101,7 +108,7 @@ void KWChannelView::fitChannel(const QObject*) {
 }
 
 void KWChannelView::setDisplayedRange(const KWDisplayedRange& range) {
-    const bool changes = range != _range;
+    const bool changes = !isSame(range, _range);
     _range = range;
     setNeedsDisplay(true);
     if (changes)
@@ -113,28 +120,30 @@ void KWChannelView::setAnchor() {
 }
 
 void KWChannelView::setCurrentTime(float time) {
-    const bool changes = time != _currentTime;
+    const bool changes = !isSame(time, _currentTime);
     _currentTime = time;
     setNeedsDisplay(true);
     if (changes)
         Q_EMIT currentTimeChanged(time);
 }
 
-KWChannelViewGeometry KWChannelView::geometry() const {
+KWChannelViewGeometry KWChannelView::plotGeometry() const {
     const KWPlotRect whole{0, static_cast<float>(width()), 0, static_cast<float>(height())};
     return {_range, _plot.value_or(whole)};
 }
 
 float KWChannelView::timeAtPosition(const QPointF& position) const {
-    return geometry().timeForX(plotPoint(KWViewPointFromPosition(position, height())).x);
+    return plotGeometry().timeForX(
+        KWPlotPointFromPoint(KWViewPointFromPosition(position, height())).x);
 }
 
 float KWChannelView::valueAtPosition(const QPointF& position) const {
-    return geometry().valueForY(plotPoint(KWViewPointFromPosition(position, height())).y);
+    return plotGeometry().valueForY(
+        KWPlotPointFromPoint(KWViewPointFromPosition(position, height())).y);
 }
 
 QPointF KWChannelView::positionOfTimeAndValue(float time, float value) const {
-    const KWChannelViewGeometry mapping = geometry();
+    const KWChannelViewGeometry mapping = plotGeometry();
     return KWPositionFromViewPoint({static_cast<double>(mapping.xForTime(time)),
                                     static_cast<double>(mapping.yForValue(value))},
                                    height());
@@ -244,7 +253,9 @@ void KWChannelView::setSelectedKeys(const std::vector<KWTime>& keys) {
 }
 
 void KWChannelView::replaceSelectedKeys(std::vector<KWTime> keys) {
-    const bool changes = keys != _selectedKeys;
+    const bool changes =
+        !std::equal(keys.begin(), keys.end(), _selectedKeys.begin(), _selectedKeys.end(),
+                    [](KWTime a, KWTime b) { return isSame(a.time(), b.time()); });
     _selectedKeys = std::move(keys);
     if (!changes)
         return;

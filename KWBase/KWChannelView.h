@@ -31,7 +31,7 @@ inline constexpr std::string_view KWChannelKeySelectionChangedNotification =
     "KWChannelKeySelectionChangedNotification";
 
 /// What a press of the mouse does in a curve view. Any other code does nothing.
-enum : std::int32_t {
+enum KWChannelViewMode : std::int32_t {
     KWChannelViewModeSelect = 0, ///< selects keys and moves them, or selects with a rubber band
     KWChannelViewModeAddKey = 1, ///< makes a key, and moves it
     KWChannelViewModePan = 2,    ///< moves what is displayed, or zooms with the shift key held
@@ -90,7 +90,9 @@ class KW_EXPORT KWChannelView : public QWidget, public KWObject, public KWKeyObs
     /// Null for none.
     const std::shared_ptr<KWChannel>& primaryChannel() const { return _primaryChannel; }
     /// Empties the selection, tells the delegate so and draws the view anew, also when it is the
-    /// same channel. A gesture under way ends.
+    /// same channel. A gesture under way ends unless it is the same; moving keys or selecting them
+    /// sets the selection anew with the next event. What is thrown by those who are told is
+    /// rethrown when all is done.
     void setPrimaryChannel(const std::shared_ptr<KWChannel>& channel);
 
     // Drawn in the order of their adding, each once. None is observed: what changes them, or inside
@@ -147,8 +149,8 @@ class KW_EXPORT KWChannelView : public QWidget, public KWObject, public KWKeyObs
     void setCurrentTime(float time);
 
     /// The mapping from times and values to points and back, as last drawn; before the first
-    /// drawing, that of the widget as it is.
-    KWChannelViewGeometry geometry() const;
+    /// drawing, that of the widget as it is. Where the widget stands is QWidget::geometry().
+    KWChannelViewGeometry plotGeometry() const;
     float timeAtPosition(const QPointF& position) const;
     float valueAtPosition(const QPointF& position) const;
     QPointF positionOfTimeAndValue(float time, float value) const;
@@ -219,15 +221,22 @@ class KW_EXPORT KWChannelView : public QWidget, public KWObject, public KWKeyObs
 
     // A gesture begins with a press of the left button and ends with its release. Until then other
     // keys and buttons do nothing. It also ends, as if the button had been released, when the view
-    // is hidden or disabled, loses its channel or the mouse, when its window is left, and when
-    // somebody else edits the keys that it moves or selects.
+    // is hidden or disabled, loses its channel or the mouse, when its window is left or a popup
+    // opens, and when somebody else edits the keys that it moves or selects: once that edit is
+    // done, and not by another write. That the mouse has been taken by another widget shows with
+    // the next event that comes to anybody.
+    //
+    // Outside of a gesture Delete and Backspace remove the selected keys, Tab and Backtab move the
+    // focus as everywhere, and every other key is swallowed.
 
     /// Whether a press has begun something that the release will end.
     bool isGestureActive() const;
     /// Ends it and puts back the keys with their shapes, the selection and what is displayed as
     /// they were at the press; Escape does the same. The delegate is not told. Nothing happens when
     /// there is none. When it is called by someone whom the view's own edit of the channel tells of
-    /// that edit, it happens as soon as the edit is done.
+    /// that edit, it happens as soon as the edit is done. No step of undo is left only where the
+    /// host brackets gestures as told at gestureWillBegin(): without that each removal and each
+    /// setting of keys has been registered already, those of putting them back too.
     void cancelGesture();
     /// Whether a rubber band is being dragged, and from where how far: the size may be negative.
     bool isSelecting() const { return _selecting; }
@@ -317,6 +326,7 @@ class KW_EXPORT KWChannelView : public QWidget, public KWObject, public KWKeyObs
     void hideEvent(QHideEvent* event) override;
     void leaveEvent(QEvent* event) override;
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
     // The layers of a drawing, from the bottom to the top. They draw in points, y upwards, where
     // the pass under way says that the view is.
@@ -325,6 +335,8 @@ class KW_EXPORT KWChannelView : public QWidget, public KWObject, public KWKeyObs
     virtual void drawRect(QPainter& painter, const QRectF& bounds);
     virtual void drawBackGround(QPainter& painter);
     virtual void drawGrid(QPainter& painter);
+    /// The number of a major line in the painter's pen and font, its lower left at a point.
+    virtual void drawGridLabel(QPainter& painter, const QPointF& corner, const QString& text);
     virtual void drawTimeLine(QPainter& painter);
     virtual void drawSecondaryChannels(QPainter& painter);
     virtual void drawPrimaryChannel(QPainter& painter);
@@ -358,6 +370,7 @@ class KW_EXPORT KWChannelView : public QWidget, public KWObject, public KWKeyObs
     std::shared_ptr<KWChannelViewGesture> gestureForStart(const QMouseEvent& event);
     void watchKeys(const std::shared_ptr<KWChannelViewGesture>& gesture);
     void endGestureIfDisturbed();
+    bool hasLostMouse() const;
     void endGesture(bool tellsDelegate = true);
     /// Ends a gesture as it stands, without a word to the delegate.
     void cutGestureShort();
@@ -373,14 +386,13 @@ class KW_EXPORT KWChannelView : public QWidget, public KWObject, public KWKeyObs
     void drag(KWChannelViewGesture& gesture, const QPointF& point);
     void dragKeys(KWChannelViewGesture& gesture);
     void dragRubberBand(KWChannelViewGesture& gesture);
-    void dragRange(const KWDisplayedRange& range);
+    void dragRange(KWDisplayedRange range);
     void deleteSelectedKeys();
     QPointF viewPoint(const QMouseEvent& event) const;
 
-    void drawTimeGrid(QPainter& painter);
-    void drawValueGrid(QPainter& painter);
+    void drawGridLines(QPainter& painter, Qt::Orientation orientation);
     void drawGridLine(QPainter& painter, const KWGridLine& line, const QLineF& where,
-                      const QPointF& labelCorner) const;
+                      const QPointF& labelCorner);
     bool isSelectedTime(float time) const;
     /// Fills _keyCells.
     void findDrawnKeys(const KWKeyFramedChannel& channel);

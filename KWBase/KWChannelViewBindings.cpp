@@ -2,6 +2,7 @@
 #include <KWBase/KWChannelViewBindings.h>
 #include <KWDesktop/KWChannelMetaTypes.h>
 #include <KWDesktop/KWPropertyObserving.h>
+#include <KWFoundation/KWFirstException.h>
 #include <KWFoundation/KWLog.h>
 
 #include <algorithm>
@@ -55,9 +56,11 @@ void KWChannelView::bindToObjectWithKeyPathOptions(std::string_view name, QObjec
 void KWChannelView::unbind(std::string_view name) {
     if (name == channelName) {
         const QPointer<KWChannelView> self(this);
-        setPrimaryChannel(nullptr);
+        KWFirstException raised;
+        raised.during([&] { setPrimaryChannel(nullptr); });
         if (self)
             stopObserving(_bindings->channel, *this);
+        raised.rethrow();
     } else if (name == currentTimeName) {
         stopObserving(_bindings->currentTime, *this);
     }
@@ -93,22 +96,26 @@ void KWChannelView::setPrimaryChannel(const std::shared_ptr<KWChannel>& channel)
     // The delegate and whoever hears the signals may do anything, and may even delete the view.
     const QPointer<KWChannelView> self(this);
     const std::shared_ptr<KWChannel> next = channel;
-    cutGestureShort();
+    const bool changes = next != _primaryChannel;
+    if (changes)
+        cutGestureShort();
     if (!self)
         return;
-    const bool changes = next != _primaryChannel;
-    if (changes) {
-        stopObservingChannel(_primaryChannel);
-        _primaryChannel = next;
-        startObservingChannel(next);
-    }
-    replaceSelectedKeys({});
+    KWFirstException raised;
+    if (changes)
+        raised.during([&] {
+            stopObservingChannel(_primaryChannel);
+            _primaryChannel = next;
+            startObservingChannel(next);
+        });
+    raised.during([&] { replaceSelectedKeys({}); });
     if (self)
-        notifyDelegateOfSelection();
+        raised.during([&] { notifyDelegateOfSelection(); });
     if (self)
-        setNeedsDisplay(true);
+        raised.during([&] { setNeedsDisplay(true); });
     if (self && changes)
-        Q_EMIT primaryChannelChanged();
+        raised.during([&] { Q_EMIT primaryChannelChanged(); });
+    raised.rethrow();
 }
 
 void KWChannelView::addSecondaryChannel(const std::shared_ptr<KWChannel>& channel) {

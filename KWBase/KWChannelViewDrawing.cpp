@@ -1,4 +1,5 @@
 #include <KWBase/KWChannelView.h>
+#include <KWBase/KWChannelViewGesture.h>
 #include <KWBase/KWCurvePainter.h>
 #include <KWBase/KWDevicePixels.h>
 #include <KWBase/KWFrameRect.h>
@@ -42,6 +43,32 @@ QPen linePen(const QColor& color, double width) {
     return pen;
 }
 
+/// Keeps a painter's state, and puts it back also when something is thrown.
+class SavedState {
+  public:
+    explicit SavedState(QPainter& painter) : _painter(painter) { _painter.save(); }
+    ~SavedState() { _painter.restore(); }
+    SavedState(const SavedState&) = delete;
+    SavedState& operator=(const SavedState&) = delete;
+
+  private:
+    QPainter& _painter;
+};
+
+/// Gives a field back the value that it has now.
+template <class T>
+class SavedField {
+  public:
+    explicit SavedField(T& field) : _field(field), _value(std::exchange(field, T())) {}
+    ~SavedField() { _field = std::move(_value); }
+    SavedField(const SavedField&) = delete;
+    SavedField& operator=(const SavedField&) = delete;
+
+  private:
+    T& _field;
+    T _value;
+};
+
 /// On the half points, where a line one point wide fills whole ones.
 double halfPoint(float coordinate) {
     return std::floor(static_cast<double>(coordinate)) + 0.5;
@@ -50,11 +77,10 @@ double halfPoint(float coordinate) {
 /// Draws an upright line of text with its lower left corner at a point of a painter that is y
 /// upwards.
 void drawTextAt(QPainter& painter, const QPointF& corner, const QString& text) {
-    painter.save();
+    const SavedState saved(painter);
     painter.translate(corner);
     painter.scale(1, -1);
     painter.drawText(QPointF(0, -painter.fontMetrics().descent()), text);
-    painter.restore();
 }
 
 /// Bit for bit what valueInUserUnitForTime answers for each time; not a number where it raises.
@@ -81,11 +107,13 @@ std::vector<float> valuesInUserUnit(const KWChannel& channel, const std::vector<
 // --- A pass.
 
 void KWChannelView::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(0, height());
-    painter.scale(1, -1);
-    drawRect(painter, QRectF(rect()));
+    KWRunAndLog("A drawing of a curve view has failed: ", [this] {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.translate(0, height());
+        painter.scale(1, -1);
+        drawRect(painter, QRectF(rect()));
+    });
 }
 
 void KWChannelView::drawInto(QPainter& painter, const QRectF& rect) {
@@ -93,17 +121,14 @@ void KWChannelView::drawInto(QPainter& painter, const QRectF& rect) {
     if (!std::isfinite(rect.x()) || !std::isfinite(rect.y()) || !rect.isValid() ||
         !(rect.width() <= limit && rect.height() <= limit))
         return;
-    const auto plot = _plot;
-    std::vector<DrawnKey> keys = std::exchange(_keyCells, {});
-    painter.save();
+    const SavedField plot(_plot);
+    const SavedField keys(_keyCells);
+    const SavedState saved(painter);
     painter.setClipRect(rect, Qt::IntersectClip);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
     painter.translate(rect.left(), rect.bottom());
     painter.scale(1, -1);
     drawRect(painter, QRectF(0, 0, rect.width(), rect.height()));
-    painter.restore();
-    _keyCells = std::move(keys);
-    _plot = plot;
 }
 
 void KWChannelView::drawRect(QPainter& painter, const QRectF& bounds) {
@@ -119,9 +144,10 @@ void KWChannelView::drawRect(QPainter& painter, const QRectF& bounds) {
     drawTimeLine(painter);
     drawSecondaryChannels(painter);
     drawPrimaryChannel(painter);
-    _keyCells.clear();
     if (dynamic_cast<const KWKeyFramedChannel*>(_primaryChannel.get()))
         drawKeys(painter);
+    else
+        _keyCells.clear();
     if (_showPointCoords)
         drawPointCoords(painter);
     if (_selecting)
@@ -130,7 +156,7 @@ void KWChannelView::drawRect(QPainter& painter, const QRectF& bounds) {
 }
 
 void KWChannelView::drawBackGround(QPainter& painter) {
-    const KWPlotRect plot = geometry().plot;
+    const KWPlotRect plot = plotGeometry().plot;
     painter.fillRect(
         QRectF(QPointF(static_cast<double>(plot.xMin), static_cast<double>(plot.yMin)),
                QPointF(static_cast<double>(plot.xMax), static_cast<double>(plot.yMax))),
@@ -141,9 +167,9 @@ void KWChannelView::drawBackGround(QPainter& painter) {
 
 void KWChannelView::drawGrid(QPainter& painter) {
     painter.setFont(userFont(10));
-    drawTimeGrid(painter);
-    drawValueGrid(painter);
-    const KWChannelViewGeometry view = geometry();
+    drawGridLines(painter, Qt::Vertical);
+    drawGridLines(painter, Qt::Horizontal);
+    const KWChannelViewGeometry view = plotGeometry();
     if (!(view.range.vMin <= 0 && view.range.vMax >= 0))
         return;
     const float zero = convertLinear(0, view.range.vMin, view.range.vMax - view.range.vMin,
@@ -156,51 +182,48 @@ void KWChannelView::drawGrid(QPainter& painter) {
                                        static_cast<double>(view.plot.xMax), y));
 }
 
-void KWChannelView::drawTimeGrid(QPainter& painter) {
-    const KWChannelViewGeometry view = geometry();
-    const double bottom = halfPoint(view.plot.yMin);
-    const double top = halfPoint(view.plot.yMax);
+/// Upright lines at times, or level ones at values.
+void KWChannelView::drawGridLines(QPainter& painter, Qt::Orientation orientation) {
+    const KWChannelViewGeometry view = plotGeometry();
+    const bool isUpright = orientation == Qt::Vertical;
+    const double first = halfPoint(isUpright ? view.plot.yMin : view.plot.xMin);
+    const double last = halfPoint(isUpright ? view.plot.yMax : view.plot.xMax);
     double before = -1e9;
-    for (const KWGridLine& line : view.timeLines(_stepMode, _xGridWanted)) {
-        const float at = view.xForTime(line.at);
-        const double x = halfPoint(at);
+    for (const KWGridLine& line : isUpright ? view.timeLines(_stepMode, _xGridWanted)
+                                            : view.valueLines(_stepMode, _yGridWanted)) {
+        const float at = isUpright ? view.xForTime(line.at) : view.yForValue(line.at);
+        const double place = halfPoint(at);
         // Where lines are denser than points one of them fills its points.
-        if (!std::isfinite(x) || (x == before && !line.isMajor))
+        if (!std::isfinite(place) || (place == before && !line.isMajor))
             continue;
-        drawGridLine(painter, line, QLineF(x, bottom, x, top), {static_cast<double>(at), 0});
-        before = x;
-    }
-}
-
-void KWChannelView::drawValueGrid(QPainter& painter) {
-    const KWChannelViewGeometry view = geometry();
-    const double left = halfPoint(view.plot.xMin);
-    const double right = halfPoint(view.plot.xMax);
-    double before = -1e9;
-    for (const KWGridLine& line : view.valueLines(_stepMode, _yGridWanted)) {
-        const float at = view.yForValue(line.at);
-        const double y = halfPoint(at);
-        if (!std::isfinite(y) || (y == before && !line.isMajor))
-            continue;
-        drawGridLine(painter, line, QLineF(left, y, right, y), {3, static_cast<double>(at)});
-        before = y;
+        if (isUpright)
+            drawGridLine(painter, line, QLineF(place, first, place, last),
+                         {static_cast<double>(at), 0});
+        else
+            drawGridLine(painter, line, QLineF(first, place, last, place),
+                         {3, static_cast<double>(at)});
+        before = place;
     }
 }
 
 void KWChannelView::drawGridLine(QPainter& painter, const KWGridLine& line, const QLineF& where,
-                                 const QPointF& labelCorner) const {
+                                 const QPointF& labelCorner) {
     if (line.isMajor && _showsLegend) {
         painter.setPen(lightGray);
-        drawTextAt(painter, labelCorner, generalText(line.at, 4));
+        drawGridLabel(painter, labelCorner, generalText(line.at, 4));
     }
     painter.setPen(linePen(_gridColor, line.isMajor && _showsTwoLevelGrid ? 1.5 : 0.5));
     KWDrawStraightLine(painter, where);
 }
 
+void KWChannelView::drawGridLabel(QPainter& painter, const QPointF& corner, const QString& text) {
+    drawTextAt(painter, corner, text);
+}
+
 // --- The time line and the curves.
 
 void KWChannelView::drawTimeLine(QPainter& painter) {
-    const KWChannelViewGeometry view = geometry();
+    const KWChannelViewGeometry view = plotGeometry();
     const auto x = static_cast<double>(view.timeLineX(_currentTime));
     constexpr double farAway = 1e6;
     if (!(std::fabs(x) < farAway))
@@ -215,8 +238,10 @@ void KWChannelView::drawSecondaryChannels(QPainter& painter) {
     const std::vector<std::shared_ptr<KWChannel>> channels = _secondaryChannels;
     for (const std::shared_ptr<KWChannel>& channel : channels) {
         std::optional<QColor> color;
-        if (KWChannelViewDelegate* const asked = delegate())
-            color = asked->colorForChannel(channel);
+        KWRunAndLog("The delegate of a curve view has thrown when asked for a colour: ", [&] {
+            if (KWChannelViewDelegate* const asked = delegate())
+                color = asked->colorForChannel(channel);
+        });
         QColor stroke = color && color->isValid() ? color->toRgb() : usual;
         stroke.setAlphaF(0.5f);
         painter.setPen(linePen(stroke, referenceWidth));
@@ -235,7 +260,7 @@ void KWChannelView::drawPrimaryChannel(QPainter& painter) {
 void KWChannelView::drawChannel(QPainter& painter, const std::shared_ptr<KWChannel>& channel) {
     if (!channel)
         return;
-    const KWChannelViewGeometry view = geometry();
+    const KWChannelViewGeometry view = plotGeometry();
     const std::size_t count = _stepCount + std::size_t{1};
     const auto steps = static_cast<float>(_stepCount);
     std::vector<float> times(count);
@@ -256,7 +281,7 @@ void KWChannelView::drawChannel(QPainter& painter, const std::shared_ptr<KWChann
 // --- What lies over the curves.
 
 void KWChannelView::drawPointCoords(QPainter& painter) {
-    const KWChannelViewGeometry view = geometry();
+    const KWChannelViewGeometry view = plotGeometry();
     const float value = _primaryChannel ? _primaryChannel->convertValueToUserUnit(_spValue) : 0;
     const QString first = QStringLiteral("Time: ") + generalText(_spTime, 6);
     const QString second = QStringLiteral("Value: ") + generalText(value, 6);
@@ -278,11 +303,18 @@ void KWChannelView::drawPointCoords(QPainter& painter) {
 }
 
 void KWChannelView::drawSelectionRectangle(QPainter& painter) {
-    const KWPlotRect plot = geometry().plot;
+    const KWPlotRect plot = plotGeometry().plot;
     // An edge that is out of sight may be anywhere.
     const QRectF seen(QPointF(static_cast<double>(plot.xMin), static_cast<double>(plot.yMin)),
                       QPointF(static_cast<double>(plot.xMax), static_cast<double>(plot.yMax)));
-    const QRectF band = _selectionRect.normalized().intersected(seen.adjusted(-9, -9, 9, 9));
+    const QRectF limits = seen.adjusted(-9, -9, 9, 9);
+    const auto at = [&limits](const QPointF& corner) {
+        return QPointF(std::clamp(corner.x(), limits.left(), limits.right()),
+                       std::clamp(corner.y(), limits.top(), limits.bottom()));
+    };
+    // An intersection would lose a band without width or height, which is but its edge.
+    const QRectF whole = _selectionRect.normalized();
+    const QRectF band(at(whole.topLeft()), at(whole.bottomRight()));
     painter.setPen(linePen(QColor::fromRgbF(0.9f, 0.9f, 1.0f), 0.5));
     painter.setBrush(QColor::fromRgbF(0.7f, 0.7f, 0.9f, 0.2f));
     painter.drawRect(band);

@@ -5,6 +5,7 @@
 #include <KWFoundation/KWFirstException.h>
 #include <KWFoundation/KWLog.h>
 
+#include <QApplication>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -20,17 +21,22 @@ namespace {
 using Gesture = KWChannelViewGesture;
 
 /// The Delete key sends 127; the key of that name on the platform where the view comes from stands
-/// where others have Backspace.
+/// where others have Backspace. With Ctrl other keys send these characters too: H the one, 8 the
+/// other.
 bool isDeleteKey(const QKeyEvent& event) {
+    const bool isBackspace = event.key() == Qt::Key_Backspace;
+    const bool isKey = isBackspace || event.key() == Qt::Key_Delete;
     const QString text = event.text();
     if (text.isEmpty())
-        return event.key() == Qt::Key_Delete || event.key() == Qt::Key_Backspace;
-    return text.front() == QChar(127) || text.front() == QChar(8);
+        return isKey;
+    if (!isKey && event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        return false;
+    return text.front() == QChar(127) || (isBackspace && text.front() == QChar(8));
 }
 
 } // namespace
 
-void KWRunGesture(const std::function<void()>& work) noexcept {
+void KWRunAndLog(std::string_view words, const std::function<void()>& work) noexcept {
     std::string what = "no standard exception";
     try {
         return work();
@@ -38,7 +44,11 @@ void KWRunGesture(const std::function<void()>& work) noexcept {
         what = exception.what();
     } catch (...) {
     }
-    KWLog("An observer of an edit in a curve view has thrown: " + what);
+    KWLog(std::string(words) + what);
+}
+
+void KWRunGesture(const std::function<void()>& work) noexcept {
+    KWRunAndLog("An observer of an edit in a curve view has thrown: ", work);
 }
 
 // --- The life of a gesture.
@@ -54,11 +64,15 @@ std::shared_ptr<Gesture> KWChannelView::beginGesture(const QPointF& point) {
     if (!self || _gesture)
         return nullptr;
     const auto gesture = std::make_shared<Gesture>();
-    gesture->from = {static_cast<float>(point.x()), static_cast<float>(point.y())};
+    gesture->from = KWPlotPointFromPoint(point);
     gesture->to = gesture->from;
     gesture->range = _range;
     gesture->selection = _selectedKeys;
+    gesture->grabber = mouseGrabber();
+    gesture->popup = QApplication::activePopupWidget();
     _gesture = gesture;
+    // The release may go to somebody else.
+    qApp->installEventFilter(this);
     KWRunGesture([this] { Q_EMIT gestureWillBegin(); });
     return gesture->isOver ? nullptr : gesture;
 }
@@ -78,12 +92,22 @@ void KWChannelView::watchKeys(const std::shared_ptr<Gesture>& gesture) {
     gesture->move = std::make_unique<KWKeyMove>(channel);
     if (channel->weak_from_this().expired())
         return;
-    // Removals are heard of by the invalidation that follows them. Of what is set there is a notice
-    // before it is done, and so its author's edit comes after the end of this gesture.
+    // Removals are heard of by the invalidation that follows them. Of a key that is set there is a
+    // notice before it is done, and there are notices without an edit: once their author is done,
+    // the count of edits tells.
     gesture->notices = KWNotificationCenter::defaultCenter().addObserver(
         KWChannelChangedNotification, channel.get(), [this](const KWNotification&) {
-            if (isGestureActive() && _gesture->move && !_gesture->move->isWriting())
-                endGesture();
+            if (!isGestureActive() || !_gesture->move || _gesture->move->isWriting() ||
+                std::exchange(_gesture->isToBeChecked, true))
+                return;
+            QMetaObject::invokeMethod(
+                this,
+                [this, asked = std::weak_ptr(_gesture)] {
+                    if (const std::shared_ptr<Gesture> one = asked.lock())
+                        one->isToBeChecked = false;
+                    endGestureIfDisturbed();
+                },
+                Qt::QueuedConnection);
         });
 }
 
@@ -99,6 +123,7 @@ void KWChannelView::endGesture(bool tellsDelegate) {
         const std::shared_ptr<Gesture> gesture = _gesture;
         gesture->isOver = true;
         gesture->notices.disconnect();
+        qApp->removeEventFilter(this);
         if (gesture->kind == Gesture::Kind::moving) {
             KWRunGesture([this] { setShowsPointCoordinates(false); });
             if (self)
@@ -127,7 +152,9 @@ void KWChannelView::announceGestureEnd() {
 }
 
 void KWChannelView::cancelGesture() {
-    if (!isGestureActive())
+    const QPointer<KWChannelView> self(this);
+    endGestureIfDisturbed();
+    if (!self || !isGestureActive())
         return;
     const std::shared_ptr<Gesture> gesture = _gesture;
     gesture->isCancelled = true;
@@ -236,7 +263,8 @@ void KWChannelView::deleteSelectedKeys() {
     if (!gesture || !channel)
         return;
     KWFirstException raised;
-    raised.during([&] { channel->removeValuesForKeyframes(_selectedKeys); });
+    raised.during(
+        [&] { channel->removeValuesForKeyframes(KWKeyMove::inOrderOfRemoval(_selectedKeys)); });
     if (!gesture->isOver)
         raised.during([&] { replaceSelectedKeys({}); });
     if (!gesture->isOver)
@@ -276,7 +304,6 @@ void KWChannelView::hideEvent(QHideEvent* event) {
 bool KWChannelView::event(QEvent* event) {
     const QPointer<KWChannelView> self(this);
     switch (event->type()) {
-    case QEvent::UngrabMouse:
     case QEvent::WindowDeactivate:
     case QEvent::WindowBlocked:
         endGesture();
@@ -311,6 +338,36 @@ bool KWChannelView::event(QEvent* event) {
         break;
     }
     return self ? QWidget::event(event) : true;
+}
+
+bool KWChannelView::hasLostMouse() const {
+    const QWidget* const grabber = mouseGrabber();
+    if (grabber && grabber != this && grabber != _gesture->grabber)
+        return true;
+    const QWidget* const popup = QApplication::activePopupWidget();
+    return popup && popup != _gesture->popup;
+}
+
+// While there is a gesture, everything that comes to anybody in the application. Nobody tells a
+// widget that the mouse has been taken from it.
+bool KWChannelView::eventFilter(QObject* watched, QEvent* event) {
+    if (!isGestureActive())
+        return QWidget::eventFilter(watched, event);
+    bool ends = hasLostMouse();
+    // What comes to a window is on its way to a widget.
+    if (watched != this && watched->isWidgetType()) {
+        const auto* const mouse = static_cast<const QMouseEvent*>(event);
+        if (event->type() == QEvent::MouseButtonRelease)
+            ends = ends || mouse->button() == Qt::LeftButton;
+        else if (event->type() == QEvent::MouseMove)
+            ends = ends || !(mouse->buttons() & Qt::LeftButton);
+    }
+    if (!ends)
+        return QWidget::eventFilter(watched, event);
+    const QPointer<QObject> receiver(watched);
+    endGesture();
+    // What has no receiver any more must not be delivered.
+    return !receiver;
 }
 
 void KWChannelView::resetCursorRects() {

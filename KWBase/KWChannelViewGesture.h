@@ -4,11 +4,19 @@
 #include <KWBase/KWKeyMove.h>
 #include <KWFoundation/KWNotificationCenter.h>
 
+#include <QPointF>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
+
+class QWidget;
+
+inline KWPlotPoint KWPlotPointFromPoint(const QPointF& point) {
+    return {static_cast<float>(point.x()), static_cast<float>(point.y())};
+}
 
 /// A gesture under way, from the press on. Whoever is told of what it does may end it or delete the
 /// view; so each function that tells somebody holds the gesture and looks at isOver afterwards.
@@ -35,7 +43,12 @@ struct KWChannelViewGesture {
     /// Null when keys have no part in it.
     std::unique_ptr<KWKeyMove> move;
     KWNotificationToken notices;
-    bool isCancelled = false; ///< in the middle of a write; it is to be done after it
+    bool isCancelled = false;   ///< in the middle of a write; it is to be done after it
+    bool isToBeChecked = false; ///< for edits of others, when the one under way is done
+
+    // Who had the mouse at the press, and the popup that was open. Only to be compared.
+    const QWidget* grabber = nullptr;
+    const QWidget* popup = nullptr;
 
     // Moving.
     HJKeyMoveRange room;
@@ -49,5 +62,8 @@ struct KWChannelViewGesture {
     KWPlotPoint fixed;
 };
 
-/// Runs it. What is thrown is logged: through Qt, which calls the view, it must not pass.
+/// Runs it. What is thrown is logged behind those words: through Qt, which calls the view, it must
+/// not pass.
+void KWRunAndLog(std::string_view words, const std::function<void()>& work) noexcept;
+/// The same for what tells others of a gesture.
 void KWRunGesture(const std::function<void()>& work) noexcept;

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 // What a press begins, and what each move of the mouse makes of it.
 
@@ -13,13 +14,10 @@ namespace {
 
 using Gesture = KWChannelViewGesture;
 
-KWPlotPoint plotPoint(const QPointF& point) {
-    return {static_cast<float>(point.x()), static_cast<float>(point.y())};
-}
-
-bool isFinite(const KWDisplayedRange& range) {
-    return std::isfinite(range.hMin) && std::isfinite(range.hMax) && std::isfinite(range.vMin) &&
-           std::isfinite(range.vMax);
+/// Whether times or values between them can be told apart.
+bool hasSpan(float min, float max) {
+    const float span = max - min;
+    return std::isfinite(min) && std::isfinite(span) && span != 0;
 }
 
 } // namespace
@@ -85,8 +83,9 @@ void KWChannelView::selectPressedKey(KWTime key, bool adds, KWFirstException& ra
 
 void KWChannelView::pressToAddKey(const QMouseEvent& event) {
     const QPointF point = viewPoint(event);
-    const KWTime key = geometry().timeForNewKey(plotPoint(point).x);
-    if (!std::isfinite(key.time()) || !std::isfinite(geometry().valueForNewKey(plotPoint(point).y)))
+    const KWTime key = plotGeometry().timeForNewKey(KWPlotPointFromPoint(point).x);
+    if (!std::isfinite(key.time()) ||
+        !std::isfinite(plotGeometry().valueForNewKey(KWPlotPointFromPoint(point).y)))
         return;
     const std::shared_ptr<Gesture> gesture = beginGesture(point);
     if (!gesture)
@@ -111,9 +110,9 @@ void KWChannelView::pressToAddKey(const QMouseEvent& event) {
 }
 
 KWTime KWChannelView::createKeyForMouseLocation(const QPointF& point) {
-    const KWPlotPoint at = plotPoint(point);
-    const KWTime time = geometry().timeForNewKey(at.x);
-    const float value = geometry().valueForNewKey(at.y);
+    const KWPlotPoint at = KWPlotPointFromPoint(point);
+    const KWTime time = plotGeometry().timeForNewKey(at.x);
+    const float value = plotGeometry().valueForNewKey(at.y);
     if (const auto channel = keyFramedChannel())
         if (std::isfinite(time.time()) && std::isfinite(value))
             channel->setValueForKeyframe(channel->convertValueFromUserUnit(value), time);
@@ -154,7 +153,7 @@ void KWChannelView::startMovingWithEvent(const QMouseEvent& event) {
     const auto channel = keyFramedChannel();
     if (gesture->isOver || !channel)
         return raised.rethrow();
-    const KWChannelViewGeometry view = geometry();
+    const KWChannelViewGeometry view = plotGeometry();
     gesture->lattice = {0.5f * view.timeStep(_stepMode, _xGridWanted),
                         0.5f * view.valueStep(_stepMode, _yGridWanted)};
     gesture->room =
@@ -208,23 +207,24 @@ void KWChannelView::startZoomingWithEvent(const QMouseEvent& event) {
     if (!gesture)
         return;
     gesture->kind = Gesture::Kind::zooming;
-    gesture->fixed = {geometry().timeForX(gesture->from.x), geometry().valueForY(gesture->from.y)};
+    gesture->fixed = {plotGeometry().timeForX(gesture->from.x),
+                      plotGeometry().valueForY(gesture->from.y)};
 }
 
 // --- What each move of the mouse makes of it.
 
 void KWChannelView::drag(Gesture& gesture, const QPointF& point) {
     // Qt repeats a position when something else about the mouse changes.
-    if (plotPoint(point) == gesture.to)
+    if (KWPlotPointFromPoint(point) == gesture.to)
         return;
-    gesture.to = plotPoint(point);
+    gesture.to = KWPlotPointFromPoint(point);
     switch (gesture.kind) {
     case Gesture::Kind::moving:
         return dragKeys(gesture);
     case Gesture::Kind::selecting:
         return dragRubberBand(gesture);
     case Gesture::Kind::scrolling:
-        return dragRange(geometry().panned(_anchor, gesture.from, gesture.to));
+        return dragRange(plotGeometry().panned(_anchor, gesture.from, gesture.to));
     case Gesture::Kind::zooming:
         return dragRange(
             KWChannelViewGeometry::zoomed(_anchor, gesture.fixed, gesture.from, gesture.to));
@@ -234,7 +234,7 @@ void KWChannelView::drag(Gesture& gesture, const QPointF& point) {
 }
 
 void KWChannelView::dragKeys(Gesture& gesture) {
-    const KWChannelViewGeometry view = geometry();
+    const KWChannelViewGeometry view = plotGeometry();
     const float time = view.timeForDistance(gesture.to.x - gesture.from.x);
     const float value = view.valueForDistance(gesture.to.y - gesture.from.y);
     std::optional<KWKeyMove::Lattice> lattice;
@@ -270,7 +270,7 @@ void KWChannelView::dragRubberBand(Gesture& gesture) {
         const KWKeyFramedChannel& channel = *gesture.move->channel();
         std::vector<KWTime> keys = gesture.kept;
         raised.during([&] {
-            const HJRect band = geometry().rubberBandBounds(from, to);
+            const HJRect band = plotGeometry().rubberBandBounds(from, to);
             for (const KWTime key : channel.keyframesForBoundingRect(KWStoredBounds(band, channel)))
                 if (!gesture.keptSet.contains(key))
                     keys.push_back(key);
@@ -282,7 +282,14 @@ void KWChannelView::dragRubberBand(Gesture& gesture) {
     raised.rethrow();
 }
 
-void KWChannelView::dragRange(const KWDisplayedRange& range) {
-    if (isFinite(range))
+/// An axis of which nothing would be left stays as it is: no drag would lead out of that.
+void KWChannelView::dragRange(KWDisplayedRange range) {
+    const bool hasTimes = hasSpan(range.hMin, range.hMax);
+    const bool hasValues = hasSpan(range.vMin, range.vMax);
+    if (!hasTimes)
+        std::tie(range.hMin, range.hMax) = std::tie(_range.hMin, _range.hMax);
+    if (!hasValues)
+        std::tie(range.vMin, range.vMax) = std::tie(_range.vMin, _range.vMax);
+    if (hasTimes || hasValues)
         setDisplayedRange(range);
 }

@@ -52,7 +52,7 @@ void KWChannelView::drawKeys(QPainter& painter) {
 }
 
 void KWChannelView::findDrawnKeys(const KWKeyFramedChannel& channel) {
-    const KWChannelViewGeometry view = geometry();
+    const KWChannelViewGeometry view = plotGeometry();
     forKeysBetween(channel, view.range.hMin, view.range.hMax, [&](float time, float stored) {
         const float value = channel.convertValueToUserUnit(stored);
         const KWPlotPoint origin = KWKeyCellOrigin({view.xForTime(time), view.yForValue(value)});
@@ -62,7 +62,7 @@ void KWChannelView::findDrawnKeys(const KWKeyFramedChannel& channel) {
 
 /// Handles hide those drawn before them at the same place, which are left out.
 void KWChannelView::paintDrawnKeys(QPainter& painter) const {
-    const KWPlotRect plot = geometry().plot;
+    const KWPlotRect plot = plotGeometry().plot;
     const float left = plot.xMin - KWKeyCellSize - 1;
     const float bottom = plot.yMin - KWKeyCellSize - 1;
     // At each height the place of the handle last seen there; handles come from right to left.

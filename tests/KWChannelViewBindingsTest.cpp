@@ -375,6 +375,31 @@ TEST_F(KWChannelViewBindingsTest, ADelegateThatThrowsIsLogged) {
     EXPECT_EQ(view->primaryChannel(), curve);
 }
 
+TEST_F(KWChannelViewBindingsTest, SettingAChannelIsFinishedAlthoughTheDelegateThrows) {
+    view->setPrimaryChannel(constant);
+    view->setSelectedKeys({KWTime(1)});
+    QSignalSpy changes(view.get(), &KWChannelView::primaryChannelChanged);
+    view->redisplays = 0;
+    delegate.also = [] { throw std::runtime_error("told"); };
+    EXPECT_THROW(view->setPrimaryChannel(curve), std::runtime_error);
+    EXPECT_EQ(view->primaryChannel(), curve);
+    EXPECT_TRUE(view->selectedKeys().empty());
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(view->redisplays, 1);
+    curve->invalidate();
+    EXPECT_EQ(view->redisplays, 2);
+}
+
+TEST_F(KWChannelViewBindingsTest, UnbindingIsFinishedAlthoughTheDelegateThrows) {
+    player.setChannel(curve);
+    bindChannel(player);
+    delegate.also = [] { throw std::runtime_error("told"); };
+    EXPECT_THROW(view->unbind("channel"), std::runtime_error);
+    EXPECT_EQ(view->primaryChannel(), nullptr);
+    player.setChannel(constant);
+    EXPECT_EQ(view->primaryChannel(), nullptr);
+}
+
 TEST_F(KWChannelViewBindingsTest, NothingIsWrittenBack) {
     player.setChannel(curve);
     player.setTime(1);

@@ -7,9 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QImage>
+#include <QMouseEvent>
 #include <QPainter>
 #include <cmath>
 #include <functional>
@@ -23,11 +25,26 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
-/// Has a drawing of its own for each layer, beside the view's.
-class LayersView : public KWChannelView {
+/// Fails in the middle of a drawing when it is told to.
+class FailingView : public KWChannelView {
   public:
-    using KWChannelView::drawSelectionRectangle;
+    bool fails = false;
+
+  protected:
+    void drawPointCoords(QPainter& painter) override {
+        if (fails)
+            throw std::runtime_error("no coordinates");
+        KWChannelView::drawPointCoords(painter);
+    }
 };
+
+void sendMouse(QWidget& widget, QEvent::Type type, const QPointF& position) {
+    const bool isUp = type == QEvent::MouseButtonRelease;
+    QMouseEvent event(type, position, widget.mapToGlobal(position),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                      isUp ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &event);
+}
 
 class Delegate final : public KWChannelViewDelegate {
   public:
@@ -68,7 +85,7 @@ class RaisingChannel : public KWChannel {
 
 class KWChannelViewDrawingTest : public testing::Test {
   protected:
-    LayersView view;
+    FailingView view;
 };
 
 } // namespace
@@ -176,7 +193,7 @@ TEST_F(KWChannelViewDrawingTest, ACurveIsSampledAtEvenStepsInTheUsersUnit) {
     const auto curves = only(Drawn::curve, drawnBy(view, 411, 203));
     ASSERT_EQ(curves.size(), 1u);
     ASSERT_EQ(curves[0].points.size(), 38);
-    const KWChannelViewGeometry geometry{view.geometry().range, {0, 411, 0, 203}};
+    const KWChannelViewGeometry geometry{view.plotGeometry().range, {0, 411, 0, 203}};
     const float span = geometry.range.hMax - geometry.range.hMin;
     for (int i = 0; i <= 37; ++i) {
         const float t = geometry.range.hMin + span * static_cast<float>(i) / 37.0f;
@@ -363,15 +380,117 @@ TEST_F(KWChannelViewDrawingTest, CoordinatesStayWholeInsideTheView) {
 // --- The rubber band.
 
 TEST_F(KWChannelViewDrawingTest, ARubberBandIsFilledAndHasAThinEdge) {
-    RecordingDevice device(500, 200);
-    QPainter painter(&device);
-    view.drawSelectionRectangle(painter);
-    painter.end();
-    ASSERT_EQ(device.drawn.size(), 1u);
-    EXPECT_EQ(device.drawn[0].kind, Drawn::rectangle);
-    EXPECT_EQ(device.drawn[0].brush, rgb(0.7, 0.7, 0.9, 0.2));
-    EXPECT_EQ(device.drawn[0].stroke, rgb(0.9, 0.9, 1.0));
-    EXPECT_EQ(device.drawn[0].width, 0.5);
+    view.resize(500, 200);
+    sendMouse(view, QEvent::MouseButtonPress, {100, 150});
+    sendMouse(view, QEvent::MouseMove, {300, 40});
+    const auto bands = only(Drawn::rectangle, drawnBy(view));
+    ASSERT_EQ(bands.size(), 1u);
+    EXPECT_EQ(bands[0].brush, rgb(0.7, 0.7, 0.9, 0.2));
+    EXPECT_EQ(bands[0].stroke, rgb(0.9, 0.9, 1.0));
+    EXPECT_EQ(bands[0].width, 0.5);
+    sendMouse(view, QEvent::MouseButtonRelease, {300, 40});
+    EXPECT_TRUE(only(Drawn::rectangle, drawnBy(view)).empty());
+}
+
+TEST_F(KWChannelViewDrawingTest, ARubberBandLiesWhereItIsDraggedOverAllButTheFrame) {
+    view.resize(500, 200);
+    view.setPrimaryChannel(ramp());
+    view.setShowsPointCoordinates(true);
+    const QPointF press(250, 120);
+    struct Drag {
+        QPointF to;
+        QRectF band;
+    };
+    // From the upper left, y downwards, to the lower left, y upwards.
+    const Drag drags[] = {{{300, 40}, {250, 80, 50, 80}},       {{200, 40}, {200, 80, 50, 80}},
+                          {{200, 180}, {200, 20, 50, 60}},      {{300, 180}, {250, 20, 50, 60}},
+                          {{300, 120}, {250, 80, 50, 0}},       {{200, 120}, {200, 80, 50, 0}},
+                          {{250, 40}, {250, 80, 0, 80}},        {{250, 180}, {250, 20, 0, 60}},
+                          {{9000, -9000}, {250, 80, 259, 129}}, {{-9000, 9000}, {-9, -9, 259, 89}},
+                          {{250, -9000}, {250, 80, 0, 129}}};
+    for (const Drag& drag : drags) {
+        sendMouse(view, QEvent::MouseButtonPress, press);
+        sendMouse(view, QEvent::MouseMove, drag.to);
+        const auto drawn = drawnBy(view);
+        const auto isBand = [](const Drawn& one) { return one.kind == Drawn::rectangle; };
+        const auto band = std::find_if(drawn.begin(), drawn.end(), isBand);
+        ASSERT_NE(band, drawn.end());
+        EXPECT_EQ(band->bounds(), drag.band);
+        // Behind it come the four edges of the frame.
+        EXPECT_EQ(drawn.end() - band, 5);
+        for (auto after = band + 1; after != drawn.end(); ++after)
+            EXPECT_EQ(after->brush, gray);
+        sendMouse(view, QEvent::MouseButtonRelease, drag.to);
+    }
+}
+
+TEST_F(KWChannelViewDrawingTest, ARubberBandWithoutWidthOrHeightIsSeenAsItsEdge) {
+    for (const QPointF& to : {QPointF(300, 120), QPointF(200, 120), QPointF(250, 40)}) {
+        const QImage before = pictureOf(view);
+        view.resize(500, 200);
+        sendMouse(view, QEvent::MouseButtonPress, {250, 120});
+        sendMouse(view, QEvent::MouseMove, to);
+        const QImage after = pictureOf(view);
+        const QPoint middle = ((QPointF(250, 120) + to) / 2).toPoint();
+        EXPECT_NE(after.pixel(middle), before.pixel(middle));
+        EXPECT_EQ(after.pixel(middle + QPoint(5, 5)), before.pixel(middle + QPoint(5, 5)));
+        sendMouse(view, QEvent::MouseButtonRelease, to);
+    }
+}
+
+// --- What is thrown in the middle.
+
+TEST_F(KWChannelViewDrawingTest, ADelegateThatThrowsIsLoggedAndTheUsualColorTaken) {
+    Delegate delegate;
+    const auto second = ramp();
+    delegate.answer = [&](const std::shared_ptr<KWChannel>& channel) -> std::optional<QColor> {
+        if (channel == second)
+            return Qt::red;
+        throw std::runtime_error("no colour");
+    };
+    view.setDelegate(&delegate);
+    view.addSecondaryChannel(ramp());
+    view.addSecondaryChannel(second);
+    LogLines log;
+    const auto curves = only(Drawn::curve, drawnBy(view));
+    ASSERT_EQ(curves.size(), 2u);
+    EXPECT_EQ(curves[0].stroke, rgb(0.3, 0.1, 0.5, 0.5));
+    EXPECT_EQ(curves[1].stroke, rgb(1, 0, 0, 0.5));
+    view.grab();
+    EXPECT_EQ(log.lines,
+              std::vector<std::string>(
+                  2, "The delegate of a curve view has thrown when asked for a colour: no colour"));
+}
+
+TEST_F(KWChannelViewDrawingTest, ADrawingThatFailsLeavesViewAndPainterAsTheyWere) {
+    view.setPrimaryChannel(ramp());
+    view.resize(500, 200);
+    view.grab();
+    view.setShowsPointCoordinates(true);
+    view.fails = true;
+    QImage image(90, 50, QImage::Format_RGB32);
+    QPainter painter(&image);
+    painter.setPen(Qt::blue);
+    EXPECT_THROW(view.drawInto(painter, QRectF(10, 10, 50, 30)), std::runtime_error);
+    EXPECT_EQ(painter.pen().color(), QColor(Qt::blue));
+    EXPECT_TRUE(painter.transform().isIdentity());
+    EXPECT_FALSE(painter.hasClipping());
+    EXPECT_EQ(view.plotGeometry().plot, (KWPlotRect{0, 500, 0, 200}));
+    ASSERT_EQ(view.keyCells().size(), 2u);
+    EXPECT_EQ(view.keyCells()[0].controlPointFrame(), QRectF(46.5, 46.5, 7, 7));
+}
+
+TEST_F(KWChannelViewDrawingTest, APassThatFailsIsLogged) {
+    view.resize(500, 200);
+    view.setShowsPointCoordinates(true);
+    view.fails = true;
+    LogLines log;
+    view.grab();
+    EXPECT_EQ(log.lines,
+              std::vector<std::string>{"A drawing of a curve view has failed: no coordinates"});
+    view.fails = false;
+    view.grab();
+    EXPECT_EQ(log.lines.size(), 1u);
 }
 
 // --- Pixels.
@@ -429,7 +548,7 @@ TEST_F(KWChannelViewDrawingTest, DrawingIntoAPictureLeavesViewAndPainterAsTheyWe
     view.setPrimaryChannel(ramp());
     view.resize(500, 200);
     view.grab();
-    const KWPlotRect plot = view.geometry().plot;
+    const KWPlotRect plot = view.plotGeometry().plot;
     QImage image(90, 50, QImage::Format_RGB32);
     QPainter painter(&image);
     painter.setPen(Qt::red);
@@ -441,7 +560,7 @@ TEST_F(KWChannelViewDrawingTest, DrawingIntoAPictureLeavesViewAndPainterAsTheyWe
     EXPECT_EQ(painter.transform(), transform);
     EXPECT_FALSE(painter.hasClipping());
     EXPECT_FALSE(painter.testRenderHint(QPainter::Antialiasing));
-    EXPECT_EQ(view.geometry().plot, plot);
+    EXPECT_EQ(view.plotGeometry().plot, plot);
     ASSERT_EQ(view.keyCells().size(), 2u);
     EXPECT_EQ(view.keyCells()[0].controlPointFrame(), QRectF(46.5, 46.5, 7, 7));
 }

@@ -6,33 +6,14 @@
 
 #include <QTest>
 #include <QWindow>
+#include <cmath>
+#include <limits>
 
 namespace {
 
 using Times = std::vector<float>;
 
 class KWChannelViewEditingTest : public GestureTest {};
-
-/// Counts what it is asked to do.
-class CountingView final : public KWChannelView {
-  public:
-    void setNeedsDisplay(bool needs) override {
-        ++redisplays;
-        KWChannelView::setNeedsDisplay(needs);
-    }
-    int redisplays = 0;
-};
-
-class Parent final : public QWidget {
-  public:
-    int keys = 0;
-
-  protected:
-    void keyPressEvent(QKeyEvent* event) override {
-        ++keys;
-        event->accept();
-    }
-};
 
 } // namespace
 
@@ -465,6 +446,44 @@ TEST_F(KWChannelViewEditingTest, WithTheShiftKeyADragZoomsAroundThePress) {
     EXPECT_EQ(view->displayedBounds(), (HJRect{2.5f, -1, 5, 2.5f}));
 }
 
+TEST_F(KWChannelViewEditingTest, ZoomingInAgainAndAgainLeavesASpanFromWhichZoomingOutLeads) {
+    view->setEditingMode(KWChannelViewModePan);
+    for (int k = 0; k < 60; ++k) {
+        pressAt(at(k % 2 ? 7 : 3, 1), Qt::ShiftModifier);
+        dragBy(300, 300);
+        release();
+        view->grab();
+        const HJRect bounds = view->displayedBounds();
+        ASSERT_GT(bounds.width, 0.f) << k;
+        ASSERT_GT(bounds.height, 0.f) << k;
+    }
+    for (int k = 0; k < 6; ++k) {
+        pressAt({160, 80}, Qt::ShiftModifier);
+        dragBy(-200, -200);
+        release();
+        view->grab();
+    }
+    EXPECT_GT(view->displayedBounds().width, 10.f);
+    EXPECT_GT(view->displayedBounds().height, 5.f);
+}
+
+TEST_F(KWChannelViewEditingTest, AnAxisThatWouldLoseItsSpanStaysAsItIs) {
+    constexpr float largest = std::numeric_limits<float>::max();
+    const float above = std::nextafter(16777216.f, largest);
+    view->setEditingMode(KWChannelViewModePan);
+    view->setDisplayedBounds({16777216, -2, above - 16777216, 5});
+    view->grab();
+    pressAt({0, 96}, Qt::ShiftModifier);
+    dragBy(300, 100);
+    EXPECT_EQ(view->displayedBounds(), (HJRect{16777216, -1, above - 16777216, 2.5f}));
+    release();
+    view->setDisplayedBounds({0, -largest / 2, 10, largest});
+    view->grab();
+    pressAt({64, 80}, Qt::ShiftModifier);
+    dragBy(100, -99);
+    EXPECT_EQ(view->displayedBounds(), (HJRect{1, -largest / 2, 5, largest}));
+}
+
 TEST_F(KWChannelViewEditingTest, EveryPressSetsTheAnchor) {
     for (const std::int32_t mode : {0, 1, 2, 3, -1}) {
         view->setEditingMode(mode);
@@ -492,7 +511,7 @@ TEST_F(KWChannelViewEditingTest, InAnyOtherModeAPressDoesNothing) {
 // --- Cursors.
 
 TEST_F(KWChannelViewEditingTest, EachModeHasItsCursor) {
-    Parent parent;
+    QWidget parent;
     parent.setCursor(Qt::WaitCursor);
     view->setParent(&parent);
     EXPECT_EQ(view->cursor().shape(), Qt::ArrowCursor);
@@ -510,76 +529,6 @@ TEST_F(KWChannelViewEditingTest, EachModeHasItsCursor) {
     view->resetCursorRects();
     EXPECT_EQ(view->cursor().shape(), Qt::ArrowCursor);
     view->setParent(nullptr);
-}
-
-// --- The keyboard.
-
-TEST_F(KWChannelViewEditingTest, DeleteAndBackspaceRemoveTheSelectedKeys) {
-    for (const int code : {Qt::Key_Delete, Qt::Key_Backspace}) {
-        setKeys({{1, 0}, {5, 1}, {9, 2}});
-        view->setSelectedKeys({KWTime(9), KWTime(3), KWTime(1)});
-        QTest::keyClick(view.get(), static_cast<Qt::Key>(code));
-        EXPECT_EQ(times(), Times{5});
-        EXPECT_EQ(selection(), Times{});
-        EXPECT_EQ(delegate.count, 0);
-    }
-}
-
-TEST_F(KWChannelViewEditingTest, TheFirstCharacterOfAKeyDecides) {
-    setKeys({{1, 0}, {5, 1}});
-    view->setSelectedKeys({KWTime(1)});
-    key(Qt::Key_A, QStringLiteral("a\x7f"));
-    EXPECT_EQ(times(), (Times{1, 5}));
-    key(Qt::Key_A, QStringLiteral("\x7f"));
-    EXPECT_EQ(times(), Times{5});
-    view->setSelectedKeys({KWTime(5)});
-    key(Qt::Key_Delete);
-    EXPECT_EQ(times(), Times{});
-}
-
-TEST_F(KWChannelViewEditingTest, DeleteWithAnEmptySelectionRemovesNothing) {
-    setKeys({{1, 0}, {5, 1}});
-    const std::uint64_t edits = channel->editCount();
-    QSignalSpy begins(view.get(), &KWChannelView::gestureWillBegin);
-    QSignalSpy changes(view.get(), &KWChannelView::selectedKeysChanged);
-    QTest::keyClick(view.get(), Qt::Key_Delete);
-    EXPECT_EQ(channel->editCount(), edits);
-    EXPECT_EQ(selection(), Times{});
-    EXPECT_EQ(begins.count() + changes.count() + delegate.count, 0);
-}
-
-TEST_F(KWChannelViewEditingTest, DeletionRedrawsOnlyByTheChannelsInvalidation) {
-    CountingView counting;
-    setKeys({{1, 0}, {5, 1}, {9, 2}});
-    counting.setPrimaryChannel(channel);
-    counting.setSelectedKeys({KWTime(1), KWTime(5)});
-    counting.redisplays = 0;
-    QTest::keyClick(&counting, Qt::Key_Delete);
-    EXPECT_EQ(times(), Times{9});
-    EXPECT_EQ(counting.redisplays, 2);
-}
-
-TEST_F(KWChannelViewEditingTest, OtherKeysAreSwallowed) {
-    Parent parent;
-    view->setParent(&parent);
-    setKeys({{5, 1}});
-    view->setSelectedKeys({KWTime(5)});
-    for (const int code : {Qt::Key_A, Qt::Key_Space, Qt::Key_Return, Qt::Key_Escape, Qt::Key_Left,
-                           Qt::Key_F1, Qt::Key_Delete})
-        QTest::keyClick(view.get(), static_cast<Qt::Key>(code));
-    QTest::keyClick(view.get(), Qt::Key_S, Qt::ControlModifier);
-    EXPECT_EQ(parent.keys, 0);
-    view->setParent(nullptr);
-}
-
-TEST_F(KWChannelViewEditingTest, DeletingAKeyByItsTimeRedrawsAndLeavesTheSelection) {
-    setKeys({{1, 0}, {5, 1}});
-    view->setSelectedKeys({KWTime(1)});
-    view->deleteKeyForTime(KWTime(1));
-    view->deleteKeyForTime(KWTime(3));
-    EXPECT_EQ(times(), Times{5});
-    EXPECT_EQ(selection(), Times{1});
-    EXPECT_EQ(delegate.count, 0);
 }
 
 // --- Real events, through a window.

@@ -5,6 +5,7 @@
 #include <QContextMenuEvent>
 #include <QDialog>
 #include <QLineEdit>
+#include <QMenu>
 #include <QShortcut>
 #include <QTest>
 #include <QVBoxLayout>
@@ -18,6 +19,23 @@ namespace {
 using Times = std::vector<float>;
 
 class KWChannelViewGestureLifeTest : public HeardGestureTest {};
+
+class Listener final : public QWidget {
+  public:
+    using QWidget::QWidget;
+    int moves = 0;
+    int releases = 0;
+
+  protected:
+    void mouseMoveEvent(QMouseEvent*) override { ++moves; }
+    void mouseReleaseEvent(QMouseEvent*) override { ++releases; }
+};
+
+void sendTo(QWidget& widget, QEvent::Type type, Qt::MouseButton button, Qt::MouseButtons buttons) {
+    QMouseEvent event(type, {5, 5}, widget.mapToGlobal(QPointF(5, 5)), button, buttons,
+                      Qt::NoModifier);
+    QApplication::sendEvent(&widget, &event);
+}
 class EveryGestureLife : public EveryGestureTest {};
 
 } // namespace
@@ -85,11 +103,91 @@ TEST_P(EveryGestureLife, EndsWhenTheFocusLeavesTheWindow) {
     expectEnded();
 }
 
-TEST_P(EveryGestureLife, EndsWhenTheGrabIsLost) {
+TEST_P(EveryGestureLife, EndsWhenAnotherWidgetGrabsTheMouse) {
+    QWidget window;
+    QWidget other(&window);
+    other.setGeometry(400, 0, 50, 50);
+    view->setParent(&window);
+    window.show();
     startGesture();
-    QEvent ungrab(QEvent::UngrabMouse);
-    QApplication::sendEvent(view.get(), &ungrab);
+    other.grabMouse();
+    sendTo(other, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton);
     expectEnded();
+    other.releaseMouse();
+    view->setParent(nullptr);
+}
+
+TEST_P(EveryGestureLife, EndsWhenAPopupOpens) {
+    view->setFocusPolicy(Qt::NoFocus);
+    view->show();
+    startGesture();
+    QMenu menu;
+    menu.addAction(QStringLiteral("one"));
+    menu.popup({10, 10});
+    expectEnded();
+    menu.close();
+    view->setFocusPolicy(Qt::StrongFocus);
+}
+
+TEST_P(EveryGestureLife, EndsWithAReleaseThatGoesToAnotherWidget) {
+    QWidget other;
+    startGesture();
+    sendTo(other, QEvent::MouseButtonRelease, Qt::RightButton, Qt::LeftButton);
+    EXPECT_TRUE(view->isGestureActive());
+    sendTo(other, QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton);
+    expectEnded();
+}
+
+TEST_P(EveryGestureLife, EndsWithAMoveOverAnotherWidgetWithoutTheLeftButton) {
+    QWidget other;
+    startGesture();
+    sendTo(other, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton);
+    EXPECT_TRUE(view->isGestureActive());
+    sendTo(other, QEvent::MouseMove, Qt::NoButton, Qt::RightButton);
+    expectEnded();
+}
+
+TEST_P(EveryGestureLife, GoesOnWhereTheViewItselfHasTheMouseOrLivesInAPopup) {
+    QWidget popup(nullptr, Qt::Popup);
+    QWidget other(&popup);
+    view->setParent(&popup);
+    popup.show();
+    startGesture();
+    view->grabMouse();
+    sendTo(other, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton);
+    EXPECT_TRUE(view->isGestureActive());
+    view->releaseMouse();
+    release();
+    expectEnded();
+    view->setParent(nullptr);
+}
+
+TEST_P(EveryGestureLife, LeavesTheEventsOfOthersAlone) {
+    QWidget window;
+    Listener other(&window);
+    view->setParent(&window);
+    startGesture();
+    sendTo(other, QEvent::MouseMove, Qt::NoButton, Qt::LeftButton);
+    sendTo(other, QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton);
+    EXPECT_EQ(other.moves, 1);
+    EXPECT_EQ(other.releases, 1);
+    expectEnded();
+    // Whoever is told of the end may delete the one to whom the release goes.
+    auto gone = std::make_unique<Listener>(&window);
+    startGesture();
+    QObject::connect(view.get(), &KWChannelView::gestureDidEnd, [&] { gone.reset(); });
+    sendTo(*gone, QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton);
+    EXPECT_EQ(gone, nullptr);
+    view->setParent(nullptr);
+}
+
+TEST_P(EveryGestureLife, MayEndWithTheViewWhenTheReleaseGoesElsewhere) {
+    QWidget other;
+    startGesture();
+    QObject::connect(view.get(), &KWChannelView::gestureDidEnd, [this] { view.reset(); });
+    sendTo(other, QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton);
+    EXPECT_EQ(view, nullptr);
+    EXPECT_EQ(heard, "begin end");
 }
 
 TEST_P(EveryGestureLife, EndsWithAMoveWithoutTheLeftButton) {
@@ -118,6 +216,28 @@ TEST_P(EveryGestureLife, EndsWhenTheViewLosesItsChannel) {
     startGesture();
     dragBy(10, 10);
     view->setPrimaryChannel(nullptr);
+    expectEnded();
+}
+
+TEST_P(EveryGestureLife, GoesOnWhenTheSameChannelIsSetAgain) {
+    startGesture();
+    dragBy(10, 10);
+    const std::vector<float> chosen = selection();
+    const int told = delegate.count;
+    view->setPrimaryChannel(view->primaryChannel());
+    EXPECT_TRUE(view->isGestureActive());
+    EXPECT_EQ(heard, "begin");
+    EXPECT_EQ(selection(), Times{});
+    EXPECT_EQ(delegate.count, told + 1);
+    const std::string keys = contentsOf(*channel);
+    const HJRect bounds = view->displayedBounds();
+    dragBy(20, 20);
+    // Moving keys selects those, and panning and zooming never do.
+    static const Times after[] = {{5.625f}, {}, {3.75f}, {}, {}};
+    EXPECT_EQ(selection(), after[GetParam()]);
+    EXPECT_EQ(contentsOf(*channel) != keys, GetParam() == 0 || GetParam() == 2);
+    EXPECT_EQ(view->displayedBounds() == bounds, GetParam() < 3);
+    release();
     expectEnded();
 }
 

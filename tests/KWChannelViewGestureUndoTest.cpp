@@ -1,6 +1,9 @@
 #include "GestureTestSupport.h"
 
+#include <QCoreApplication>
 #include <QTest>
+#include <algorithm>
+#include <random>
 
 namespace {
 
@@ -176,7 +179,7 @@ TEST_F(KWChannelViewGestureUndoTest, ABracketLeavesNoStepWhereNothingHasChanged)
     EXPECT_FALSE(manager->canUndo());
 }
 
-TEST_F(KWChannelViewGestureUndoTest, WithoutABracketEachEventIsUndoneByItself) {
+TEST_F(KWChannelViewGestureUndoTest, WithoutABracketEachRemovalAndEachSettingOfKeysIsAStep) {
     setKeys({{1, 0}, {5, 1}});
     const std::string before = contentsOf(*channel);
     pressKey(5);
@@ -218,18 +221,118 @@ TEST_F(KWChannelViewGestureUndoTest, GestureWillBeginComesBeforeTheSelectionChan
     EXPECT_EQ(heard, "begin end begin end");
 }
 
+// --- Many keys.
+
+TEST_F(KWChannelViewGestureUndoTest, ManyKeysAreRemovedWithoutMovingUpThoseThatGoAfterThem) {
+    std::vector<std::pair<float, float>> keys;
+    for (int k = 0; k < 200; ++k)
+        keys.emplace_back(static_cast<float>(k) / 25, 1.f);
+    setKeys(keys);
+    const std::string before = contentsOf(*channel);
+    const std::vector<KWTime> all = channel->allKeyframes();
+    std::vector<KWTime> last = all;
+    int removed = 0;
+    std::size_t movedUp = 0;
+    // Counts the keys that stand behind each that goes.
+    ValidObserver observer([&] {
+        const std::vector<KWTime> now = channel->allKeyframes();
+        if (now.size() < last.size()) {
+            const auto gone = std::mismatch(now.begin(), now.end(), last.begin());
+            movedUp += static_cast<std::size_t>(now.end() - gone.first);
+            ++removed;
+        }
+        last = now;
+    });
+    observer.observe(*channel);
+    channel->removeValuesForKeyframes(all);
+    EXPECT_EQ(movedUp, 199u * 200 / 2);
+    while (manager->canUndo())
+        manager->undo();
+    EXPECT_TRUE(contentsOf(*channel) == before);
+    movedUp = 0;
+    removed = 0;
+    std::vector<KWTime> shuffled = all;
+    std::shuffle(shuffled.begin(), shuffled.end(), std::minstd_rand(7));
+    for (const std::vector<KWTime>& chosen : {all, shuffled}) {
+        view->setSelectedKeys(chosen);
+        view->grab();
+        last = all;
+        pressKey(all[50].time());
+        dragBy(8, 8);
+        dragBy(16, 8);
+        EXPECT_EQ(removed, 400);
+        escape();
+        EXPECT_EQ(removed, 600);
+        EXPECT_TRUE(contentsOf(*channel) == before);
+        manager->removeAllActions();
+        last = all;
+        view->setSelectedKeys(chosen);
+        QTest::keyClick(view.get(), Qt::Key_Delete);
+        EXPECT_EQ(removed, 800);
+        EXPECT_EQ(movedUp, 0u);
+        while (manager->canUndo())
+            manager->undo();
+        EXPECT_TRUE(contentsOf(*channel) == before);
+        removed = 0;
+        movedUp = 0;
+    }
+}
+
+TEST_F(KWChannelViewGestureUndoTest, ManyRemovedKeysAreToldOfAsOftenAsTheyAre) {
+    setKeys({{1, 0}, {5, 1}, {9, 2}});
+    NoticeCounter notices(channel.get());
+    ValidObserver observer;
+    observer.observe(*channel);
+    view->setSelectedKeys({KWTime(5), KWTime(kwNaN), KWTime(9), KWTime(3), KWTime(5)});
+    QTest::keyClick(view.get(), Qt::Key_Delete);
+    EXPECT_EQ(times(), Times{1});
+    EXPECT_EQ(notices.count, 0);
+    EXPECT_EQ(observer.seen, "NN NN ");
+}
+
 // --- Changes from outside.
 
 TEST_F(KWChannelViewGestureUndoTest, AKeySetFromOutsideEndsTheGestureWithoutAnotherWrite) {
     dragKey();
     set(3, 2);
+    QCoreApplication::processEvents();
     expectEndedWith({1, 2, 6, 9});
+}
+
+TEST_F(KWChannelViewGestureUndoTest, TheNextEventAfterAKeyWasSetFromOutsideWritesNothing) {
+    dragKey();
+    set(3, 2);
+    dragBy(64, 0);
+    expectEndedWith({1, 2, 6, 9});
+}
+
+TEST_F(KWChannelViewGestureUndoTest, CancellingAfterAKeyWasSetFromOutsideWritesNothing) {
+    dragKey();
+    set(3, 2);
+    escape();
+    EXPECT_EQ(selection(), Times{6});
+    expectEndedWith({1, 2, 6, 9});
+}
+
+TEST_F(KWChannelViewGestureUndoTest, ANoticeWithoutAChangedKeyEndsNoGesture) {
+    dragKey();
+    channel->didChange();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(view->isGestureActive());
+    dragBy(64, 0);
+    EXPECT_EQ(times(), (Times{1, 7, 9}));
+    channel->didChange();
+    set(3, 2);
+    channel->didChange();
+    QCoreApplication::processEvents();
+    expectEndedWith({1, 2, 7, 9});
 }
 
 TEST_F(KWChannelViewGestureUndoTest, TheMovedKeySetFromOutsideEndsTheGesture) {
     dragKey();
     set(3, 6);
     EXPECT_EQ(valueAt(6), 3.f);
+    QCoreApplication::processEvents();
     expectEndedWith({1, 6, 9});
 }
 
@@ -268,6 +371,7 @@ TEST_F(KWChannelViewGestureUndoTest, AnUndoInTheMiddleEndsTheGesture) {
     bracket();
     manager->undo();
     EXPECT_EQ(valueAt(9), 2.f);
+    QCoreApplication::processEvents();
     expectEndedWith({1, 5, 9});
 }
 
@@ -275,12 +379,14 @@ TEST_F(KWChannelViewGestureUndoTest, AChangeFromOutsideEndsARubberBandAndNoPan) 
     setKeys({{1, 0}, {5, 1}});
     pressAt({100, 100});
     set(3, 2);
+    QCoreApplication::processEvents();
     EXPECT_FALSE(view->isGestureActive());
     EXPECT_FALSE(view->isSelecting());
     EXPECT_EQ(delegate.count, 1);
     view->setEditingMode(KWChannelViewModePan);
     pressAt({100, 100});
     set(4, 2);
+    QCoreApplication::processEvents();
     dragBy(32, 0);
     EXPECT_EQ(view->displayedBounds().x, -1.f);
     release();

@@ -252,7 +252,7 @@ TEST_F(KWChannelViewGesturesTest, RandomDragsFollowTheRules) {
             {random(-5, 5), isAngle ? -90.f : -2.f, span, isAngle ? 200.f : 5.f});
         PlainEditor plain(*channel, width, height);
         const HJRect shown = view->displayedBounds();
-        plain.range = view->geometry().range;
+        plain.range = view->plotGeometry().range;
         for (int k = static_cast<int>(engine() % 14); k >= 0; --k) {
             const float time = shown.x + random(-0.1f, 1.1f) * shown.width;
             const float value =
@@ -275,7 +275,7 @@ TEST_F(KWChannelViewGesturesTest, RandomDragsFollowTheRules) {
             }
             if (plain.mode != 2 && chance(10)) {
                 view->setDisplayedBounds(shown);
-                plain.range = view->geometry().range;
+                plain.range = view->plotGeometry().range;
             }
             view->grab();
             const bool shift = chance(40);
@@ -316,6 +316,7 @@ TEST_F(KWChannelViewGesturesTest, RandomDragsFollowTheRules) {
                 if (chance(2)) {
                     const float time = random(shown.x, shown.x + shown.width);
                     set(1, time);
+                    QCoreApplication::processEvents();
                     plain.keys[time] = {1, KWData(36)};
                     if (plain.endsWithEdits()) {
                         plain.end();
@@ -338,7 +339,7 @@ TEST_F(KWChannelViewGesturesTest, RandomDragsFollowTheRules) {
             plain.end();
             ASSERT_EQ(contentsOf(*channel), plain.contents()) << round << " " << step;
             ASSERT_EQ(selection(), plain.selection) << round << " " << step;
-            ASSERT_EQ(view->geometry().range, plain.range) << round << " " << step;
+            ASSERT_EQ(view->plotGeometry().range, plain.range) << round << " " << step;
             ASSERT_EQ(delegate.count, plain.notices) << round << " " << step;
             if (chance(5)) {
                 QKeyEvent event(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier,

@@ -82,6 +82,13 @@ TEST_F(KWChannelViewGridTest, LabelsHaveFourDigitsAtMost) {
     ASSERT_GE(texts.size(), 2u);
     EXPECT_EQ(texts[0].string, QLatin1String("1.2e+04"));
     EXPECT_EQ(texts[1].string, QLatin1String("1.22e+04"));
+    // A line at 12345.6.
+    view.setDisplayedBounds({12345.5f, 1, 1, 1});
+    view.setXGridCount(5);
+    view.setYGridCount(0);
+    const auto rounded = only(Drawn::text, drawnBy(view));
+    ASSERT_GE(rounded.size(), 1u);
+    EXPECT_EQ(rounded[0].string, QLatin1String("1.235e+04"));
 }
 
 TEST_F(KWChannelViewGridTest, WithoutLegendThereAreNoLabels) {

@@ -122,7 +122,7 @@ TEST_F(KWChannelViewKeysTest, FramesAreThePlainFormula) {
     view.setPrimaryChannel(channel);
     view.setDisplayedBounds({-5.3f, -1.7f, 9.9f, 3.1f});
     const auto found = cells();
-    const KWChannelViewGeometry geometry = view.geometry();
+    const KWChannelViewGeometry geometry = view.plotGeometry();
     const auto expected =
         channel->keyframesBetweenAnd(KWTime(geometry.range.hMin), KWTime(geometry.range.hMax));
     ASSERT_EQ(found.size(), expected.size());
@@ -173,9 +173,9 @@ TEST_F(KWChannelViewKeysTest, HandlesShowTheUsersUnit) {
     const auto found = cells();
     ASSERT_EQ(found.size(), 2u);
     EXPECT_EQ(found[1].value(), channel->convertValueToUserUnit(0.01f));
-    EXPECT_EQ(
-        found[1].controlPointFrame().y(),
-        static_cast<double>(std::floor(view.geometry().yForValue(found[1].value()) - 3.5f) + 0.5f));
+    EXPECT_EQ(found[1].controlPointFrame().y(),
+              static_cast<double>(
+                  std::floor(view.plotGeometry().yForValue(found[1].value()) - 3.5f) + 0.5f));
 }
 
 TEST_F(KWChannelViewKeysTest, CellsHaveTheDelegateAsTarget) {

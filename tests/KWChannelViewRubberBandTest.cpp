@@ -62,6 +62,18 @@ TEST_F(KWChannelViewRubberBandTest, WithTheShiftKeyARubberBandAddsToWhatWasSelec
     EXPECT_EQ(delegate.count, 1);
 }
 
+TEST_F(KWChannelViewRubberBandTest, SettingTheSameChannelEmptiesTheSelectionUntilTheNextEvent) {
+    setKeys({{1, 0}, {2, 0}, {4, 0}});
+    view->setSelectedKeys({KWTime(4)});
+    pressAt(at(0.5f, 1), Qt::ShiftModifier);
+    dragBy(32, -64);
+    EXPECT_EQ(selection(), (Times{4, 1}));
+    view->setPrimaryChannel(channel);
+    EXPECT_EQ(selection(), Times{});
+    dragBy(64, -64);
+    EXPECT_EQ(selection(), (Times{4, 1, 2}));
+}
+
 TEST_F(KWChannelViewRubberBandTest, TheShiftKeyCountsAtThePress) {
     setKeys({{1, 0}, {2, 0}});
     view->setSelectedKeys({KWTime(2)});

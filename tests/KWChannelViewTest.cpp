@@ -209,7 +209,7 @@ TEST_F(KWChannelViewTest, DisplayedBoundsComeBack) {
     const HJRect bounds{2, -0.5f, 8, 4.5f};
     view.setDisplayedBounds(bounds);
     EXPECT_EQ(view.displayedBounds(), bounds);
-    EXPECT_EQ(view.geometry().range, (KWDisplayedRange{2, 10, -0.5f, 4}));
+    EXPECT_EQ(view.plotGeometry().range, (KWDisplayedRange{2, 10, -0.5f, 4}));
     view.setProperty("displayedBounds", QRectF(1, 2, 3, 4));
     EXPECT_EQ(view.displayedBounds(), (HJRect{1, 2, 3, 4}));
     EXPECT_EQ(view.property("displayedBounds").toRectF(), QRectF(1, 2, 3, 4));
@@ -218,7 +218,7 @@ TEST_F(KWChannelViewTest, DisplayedBoundsComeBack) {
 TEST_F(KWChannelViewTest, FittingShowsAllKeysWithATenthAround) {
     view.setPrimaryChannel(twoKeys());
     view.fitChannel(nullptr);
-    const KWDisplayedRange range = view.geometry().range;
+    const KWDisplayedRange range = view.plotGeometry().range;
     EXPECT_EQ(range.hMin, 1);
     EXPECT_EQ(range.hMax, 13);
     EXPECT_EQ(range.vMin, static_cast<float>(-1.0 - 4 / 10.0));
@@ -249,14 +249,59 @@ TEST_F(KWChannelViewTest, PositionsAreCountedFromTheTop) {
 
 TEST_F(KWChannelViewTest, BeforeTheFirstDrawingThePlotIsTheWidgetAsItIs) {
     view.resize(500, 200);
-    EXPECT_EQ(view.geometry().plot, (KWPlotRect{0, 500, 0, 200}));
+    EXPECT_EQ(view.plotGeometry().plot, (KWPlotRect{0, 500, 0, 200}));
     view.resize(400, 100);
-    EXPECT_EQ(view.geometry().plot, (KWPlotRect{0, 400, 0, 100}));
+    EXPECT_EQ(view.plotGeometry().plot, (KWPlotRect{0, 400, 0, 100}));
     view.grab();
     view.resize(300, 300);
-    EXPECT_EQ(view.geometry().plot, (KWPlotRect{0, 400, 0, 100}));
+    EXPECT_EQ(view.plotGeometry().plot, (KWPlotRect{0, 400, 0, 100}));
     view.grab();
-    EXPECT_EQ(view.geometry().plot, (KWPlotRect{0, 300, 0, 300}));
+    EXPECT_EQ(view.plotGeometry().plot, (KWPlotRect{0, 300, 0, 300}));
+}
+
+TEST_F(KWChannelViewTest, TheWidgetsOwnGeometryIsItsPlace) {
+    view.setGeometry(10, 20, 300, 150);
+    EXPECT_EQ(view.geometry().width(), 300);
+    EXPECT_EQ(view.geometry(), QRect(10, 20, 300, 150));
+}
+
+TEST_F(KWChannelViewTest, ViewsThatFollowEachOtherComeToRestAlsoWithWhatIsNoNumber) {
+    KWChannelView other;
+    int told = 0;
+    const auto follow = [&told](KWChannelView& leader, KWChannelView& follower) {
+        QObject::connect(&leader, &KWChannelView::displayedBoundsChanged, [&] {
+            if (++told < 100)
+                follower.setDisplayedBounds(leader.displayedBounds());
+        });
+        QObject::connect(&leader, &KWChannelView::currentTimeChanged, [&](float time) {
+            if (++told < 100)
+                follower.setCurrentTime(time);
+        });
+        QObject::connect(&leader, &KWChannelView::selectedKeysChanged, [&] {
+            if (++told < 100)
+                follower.setSelectedKeys(leader.selectedKeys());
+        });
+    };
+    follow(view, other);
+    follow(other, view);
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const HJRect& bounds :
+         {HJRect{nan, 0, 1, 1}, HJRect{0, nan, 1, 1}, HJRect{0, 0, nan, 1}, HJRect{0, 0, 1, nan},
+          HJRect{nan, nan, nan, nan}, HJRect{0, 0, infinity, 1}, HJRect{1, 2, 3, 4}}) {
+        told = 0;
+        view.setDisplayedBounds(bounds);
+        EXPECT_LE(told, 4);
+    }
+    for (const float time : {nan, -nan, infinity, 1.0f}) {
+        told = 0;
+        view.setCurrentTime(time);
+        EXPECT_LE(told, 2);
+    }
+    for (const auto& keys : {std::vector<KWTime>{KWTime(nan), KWTime(1)}, {KWTime(1)}}) {
+        told = 0;
+        view.setSelectedKeys(keys);
+        EXPECT_EQ(told, 2);
+    }
 }
 
 // --- Snapping.
