@@ -17,6 +17,10 @@ class KWChannelPlot : public KWChannelCommand {
         EXPECT_EQ(result.err, "");
         return QImage(QString::fromStdString(path(name)));
     }
+    static std::string archived(const std::vector<std::shared_ptr<KWElement>>& elements) {
+        const KWData data = documentWith(elements).data();
+        return {reinterpret_cast<const char*>(data.data()), data.size()};
+    }
     static bool hasColor(const QImage& image, const QColor& color) {
         for (int y = 0; y < image.height(); ++y)
             for (int x = 0; x < image.width(); ++x)
@@ -93,6 +97,108 @@ TEST_F(KWChannelPlot, WrongArgumentsAreNamedAndNothingIsWritten) {
     expectRefused({"-o", out, "--min", "2", "--max", "2"}, "nothing between --min 2 and --max 2");
     expectRefused({"-o", out, "--background", "nocolour"}, "is no colour");
     expectRefused({"-o", out, "--from", "nan"}, "--from");
+}
+
+TEST_F(KWChannelPlot, RangesThatSinglePrecisionCannotHoldAreRefused) {
+    const std::string out = path("plot.png");
+    expectRefused({"-o", out, "--from", "100000", "--to", "100000.001"},
+                  "--from 100000 and --to 100000.001 are too close together");
+    expectRefused({"-o", out, "--min", "16777216", "--max", "16777216.4"},
+                  "--min 16777216 and --max 16777216.4 are too close together");
+    expectRefused({"-o", out, "--from", "-3e38", "--to", "3e38"},
+                  "--from -3e38 and --to 3e38 are too far apart");
+    expectRefused({"-o", out, "--from", "-1e39", "--to", "1e39"}, "too far apart");
+    expectRefused({"-o", out, "--min", "-1e39"}, "--min -1e39 and --max");
+}
+
+TEST_F(KWChannelPlot, AKeyFarFromZeroIsDrawn) {
+    for (const float time : {1e8f, -1e8f, 3e38f, 16777216.0f, 12.5f}) {
+        const auto channel = std::make_shared<KWKeyFramedChannel>("far");
+        channel->setChannelColorIndex(1);
+        channel->setValueForKeyframe(time, KWTime(time));
+        writeFile(path("far.kwdoc"), archived({elementWith("Far", {channel})}));
+        const QImage image = drawn({path("far.kwdoc"), "--no-grid"});
+        EXPECT_TRUE(hasColor(image, Qt::black)) << time; // its handle
+        EXPECT_TRUE(hasColor(image, Qt::yellow)) << time;
+    }
+}
+
+TEST_F(KWChannelPlot, ValuesThatNoPictureCanHoldAreRefusedOrLeaveItToTheOthers) {
+    const auto huge = std::make_shared<KWKeyFramedChannel>("huge");
+    huge->setValueForKeyframe(3e38f, KWTime(0));
+    huge->setValueForKeyframe(-3e38f, KWTime(5));
+    const auto large = std::make_shared<KWKeyFramedChannel>("large");
+    large->setChannelColorIndex(1);
+    large->setValueForKeyframe(1e34f, KWTime(0));
+    large->setValueForKeyframe(0, KWTime(5));
+    writeFile(path("huge.kwdoc"), archived({elementWith("Both", {large, huge})}));
+    EXPECT_TRUE(hasColor(drawn({path("huge.kwdoc"), "--no-grid"}), Qt::yellow));
+    EXPECT_TRUE(hasColor(drawn({path("huge.kwdoc"), "large", "--no-grid"}), Qt::yellow));
+    const Result result = run({"plot", path("huge.kwdoc"), "huge", "-o", path("none.png")});
+    EXPECT_EQ(result.code, 2);
+    EXPECT_NE(result.err.find("too far apart"), std::string::npos) << result.err;
+    EXPECT_FALSE(std::filesystem::exists(path("none.png")));
+    EXPECT_FALSE(drawn({museum}).isNull());
+}
+
+TEST_F(KWChannelPlot, NumbersOfTheGridCanBeReadOnALightGround) {
+    // At this scale strokes of letters fill whole pixels.
+    const QColor label(80, 82, 90);
+    for (const std::vector<std::string>& ground :
+         {std::vector<std::string>{"--light"}, {"--background", "#ffffff"}}) {
+        std::vector<std::string> arguments{ball, "Position/y", "--scale", "4", "--size", "320x200"};
+        arguments.insert(arguments.end(), ground.begin(), ground.end());
+        EXPECT_TRUE(hasColor(drawn(arguments), label));
+        arguments.emplace_back("--no-legend");
+        EXPECT_FALSE(hasColor(drawn(arguments), label));
+    }
+    EXPECT_FALSE(hasColor(drawn({ball, "Position/y", "--scale", "4", "--size", "320x200"}), label));
+}
+
+TEST_F(KWChannelPlot, ANumberThatWouldBeCutByTheEdgeIsLeftOut) {
+    const std::vector<std::string> arguments{ball, "Position/y", "--from", "0", "--to", "8.05"};
+    const QImage with = drawn(arguments);
+    auto bare = arguments;
+    bare.emplace_back("--no-legend");
+    const QImage without = drawn(bare, "bare.png");
+    EXPECT_NE(with, without);
+    // The line at 8 stands six points from the right.
+    const QRect corner(940, 500, 20, 40);
+    EXPECT_EQ(with.copy(corner), without.copy(corner));
+}
+
+TEST_F(KWChannelPlot, NamesLeaveMostOfThePictureToTheCurves) {
+    for (const char* const size : {"120x60", "160x90", "300x120", "960x540", "2000x100"}) {
+        SCOPED_TRACE(size);
+        const QImage with = drawn({ball, "--size", size});
+        const QImage without = drawn({ball, "--size", size, "--no-names"}, "bare.png");
+        int changed = 0;
+        for (int y = 0; y < with.height(); ++y)
+            for (int x = 0; x < with.width(); ++x)
+                changed += with.pixel(x, y) != without.pixel(x, y);
+        EXPECT_LE(4 * changed, with.width() * with.height());
+        EXPECT_EQ(changed == 0, with.width() < 200);
+    }
+}
+
+TEST_F(KWChannelPlot, AChannelWhoseNameBeginsWithDotsHasItsColourToo) {
+    const auto first = constantChannel("first", 0);
+    const auto dotted = constantChannel("… and so on", 1);
+    first->setChannelColorIndex(1);
+    dotted->setChannelColorIndex(2);
+    writeFile(path("dots.kwdoc"), archived({elementWith("… all", {first, dotted})}));
+    const QImage image = drawn({path("dots.kwdoc"), "--no-grid", "--scale", "4"});
+    // Beside their names; the curves themselves are elsewhere.
+    const QImage names = image.copy(2400, 40, 1400, 200);
+    EXPECT_TRUE(hasColor(names, Qt::yellow));
+    EXPECT_TRUE(hasColor(names, Qt::cyan));
+}
+
+TEST_F(KWChannelPlot, AnSVGHasTheSizeOfItsPoints) {
+    EXPECT_EQ(run({"plot", wave, "-o", path("wave.svg"), "--size", "960x480"}).code, 0);
+    const std::string text = readFile(path("wave.svg"));
+    EXPECT_NE(text.find("width=\"254mm\" height=\"127mm\""), std::string::npos);
+    EXPECT_NE(text.find("viewBox=\"0 0 960 480\""), std::string::npos);
 }
 
 TEST_F(KWChannelPlot, ADocumentWithoutChannelsHasNothingToDraw) {

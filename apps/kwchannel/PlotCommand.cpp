@@ -1,6 +1,7 @@
 #include <KWBase/KWChannelView.h>
 #include <KWBase/KWKeyFramedChannel.h>
 #include <KWFoundation/KWArchiveError.h>
+#include <KWFoundation/KWText.h>
 
 #include <apps/kwchannel/Channels.h>
 #include <apps/kwchannel/Commands.h>
@@ -16,6 +17,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <memory>
 
 namespace {
@@ -35,6 +37,9 @@ struct PlotArguments {
     bool hasNoNames = false;
 };
 
+/// Of a picture, in points.
+constexpr int largestSize = 20000;
+
 /// A stretch of times or values.
 struct Range {
     double low;
@@ -44,10 +49,28 @@ struct Range {
         low = std::min(low, value);
         high = std::max(high, value);
     }
-    /// With a tenth on both sides, or of a length of 1 where it has none.
+    /// Whether single precision, in which curves are mapped to the picture, can hold every product
+    /// of a distance in it and a length in points.
+    bool isHeldByFloats() const {
+        constexpr double largest = std::numeric_limits<float>::max();
+        return low >= -largest && high <= largest && high - low <= largest / largestSize;
+    }
+    /// Takes in the other, if the two together are so held; whether it did.
+    bool takeIn(const Range& other) {
+        const Range both{std::min(low, other.low), std::max(high, other.high)};
+        if (!(other.low <= other.high && both.isHeldByFloats()))
+            return false;
+        *this = both;
+        return true;
+    }
+    /// With a tenth on both sides, or of a length of 1 where it has none; at least as much as the
+    /// floats around can tell apart, and nothing where floats end.
     Range widened() const {
-        const double margin = high > low ? (high - low) / 10 : 0.5;
-        return {low - margin, high + margin};
+        const double size = std::max(std::fabs(low), std::fabs(high));
+        const double resolution = size * std::numeric_limits<float>::epsilon();
+        const double margin = std::max(high > low ? (high - low) / 10 : 0.5, 8 * resolution);
+        const Range wide{low - margin, high + margin};
+        return wide.isHeldByFloats() ? wide : *this;
     }
 };
 
@@ -64,6 +87,31 @@ QColor colorOf(const KWChannel& channel, bool isLight) {
     return own == QColor(Qt::blue) ? QColor(110, 140, 255) : own;
 }
 
+/// The share of light that a colour gives, from 0 to 1.
+double luminance(const QColor& color) {
+    const auto linear = [](float part) {
+        const auto share = static_cast<double>(part);
+        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+           0.0722 * linear(color.blueF());
+}
+
+/// From 1 to 21. Small text needs 4.5.
+double contrast(const QColor& a, const QColor& b) {
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+/// The first of the two that can be read on the ground, or what black and white have to offer.
+QColor readableOn(const QColor& ground, const QColor& onDark, const QColor& onLight) {
+    constexpr double enough = 4.5;
+    for (const QColor& color : {onDark, onLight, QColor(Qt::white)})
+        if (contrast(color, ground) >= enough)
+            return color;
+    return Qt::black;
+}
+
 /// Secondary channels in colours that can be seen, without a change of the document.
 class Colours final : public KWChannelViewDelegate {
   public:
@@ -78,7 +126,8 @@ class Colours final : public KWChannelViewDelegate {
     bool _isLight;
 };
 
-/// The same for the channel in front.
+/// The same for the channel in front. The grid's numbers can be read on every ground, and none is
+/// cut off by an edge of the picture.
 class PlotView final : public KWChannelView {
   public:
     explicit PlotView(bool isLight) : _isLight(isLight) {}
@@ -89,6 +138,15 @@ class PlotView final : public KWChannelView {
         painter.setPen(QPen(colorOf(*primaryChannel(), _isLight), 2.5, Qt::SolidLine, Qt::FlatCap,
                             Qt::MiterJoin));
         drawChannel(painter, primaryChannel());
+    }
+    void drawGridLabel(QPainter& painter, const QPointF& corner, const QString& text) override {
+        const KWPlotRect plot = plotGeometry().plot;
+        const QFontMetricsF metrics(painter.font(), painter.device());
+        if (corner.x() + metrics.horizontalAdvance(text) > static_cast<double>(plot.xMax) - 2 ||
+            corner.y() + metrics.height() > static_cast<double>(plot.yMax) - 2)
+            return;
+        painter.setPen(readableOn(backgroundColor(), painter.pen().color(), QColor(80, 82, 90)));
+        KWChannelView::drawGridLabel(painter, corner, text);
     }
 
   private:
@@ -108,42 +166,61 @@ QSize sizeArgument(const std::string& text) {
     int height = 0;
     const char* const end = text.data() + text.size();
     const auto first = std::from_chars(text.data(), end, width);
-    constexpr int largest = 20000;
     if (first.ec == std::errc() && first.ptr != end && (*first.ptr == 'x' || *first.ptr == 'X')) {
         const auto second = std::from_chars(first.ptr + 1, end, height);
         if (second.ec == std::errc() && second.ptr == end && width >= 16 && height >= 16 &&
-            width <= largest && height <= largest)
+            width <= largestSize && height <= largestSize)
             return {width, height};
     }
     throw UseError("--size: " + inQuotes(text) +
                    " is no size; two whole numbers from 16 to 20000 are wanted, such as 960x540");
 }
 
-/// The number of an option, or the value to take when it is not given.
-double numberOr(std::string_view option, const std::string& text, double otherwise) {
-    return text.empty() ? otherwise : finiteArgument(option, text);
+/// One end of what is shown.
+struct End {
+    End(const std::string& option, const std::string& argument, double otherwise)
+        : number(argument.empty() ? otherwise : finiteArgument(option, argument)),
+          text(option + " " + (argument.empty() ? KWExactStringFromDouble(number) : argument)) {}
+
+    double number;
+    std::string text;
+};
+
+/// Between them, in the single precision of the view; UseError where nothing would be left of that,
+/// or no end.
+Range drawable(const End& low, const End& high) {
+    if (!(low.number < high.number))
+        throw UseError("there is nothing between " + low.text + " and " + high.text);
+    if (!Range{low.number, high.number}.isHeldByFloats())
+        throw UseError(low.text + " and " + high.text +
+                       " are too far apart for numbers of single precision");
+    const float start = float(low.number);
+    const float span = float(high.number) - start;
+    if (!(start + span > start))
+        throw UseError(low.text + " and " + high.text +
+                       " are too close together for numbers of single precision");
+    return {low.number, high.number};
 }
 
-/// From the first to the last key of all channels, with a margin; 0 to 10 without keys.
+/// From the first to the last key of all channels, with a margin; 0 to 10 without keys, and with
+/// all of them at one time in there.
 Range timesToShow(const PlotArguments& arguments, const std::vector<Place>& places) {
     Range keys = nothing;
     for (const Place& place : places) {
         const auto* const channel = dynamic_cast<const KWKeyFramedChannel*>(place.channel.get());
-        if (!channel || channel->keyframeCount() == 0)
+        if (!channel)
             continue;
-        const HJRect bounds = channel->boundingRect();
-        if (!std::isfinite(bounds.x) || !std::isfinite(bounds.width))
-            continue;
-        keys.include(static_cast<double>(bounds.x));
-        keys.include(static_cast<double>(bounds.x) + static_cast<double>(bounds.width));
+        Range own = nothing;
+        for (const KWTime key : channel->allKeyframes())
+            if (std::isfinite(key.time()))
+                own.include(static_cast<double>(key.time()));
+        // Nothing could be seen of the others beside one that reaches over all floats.
+        keys.takeIn(own);
     }
+    if (keys.low == keys.high && keys.low >= 0 && keys.high <= 10)
+        keys = {0, 10};
     const Range all = keys.low <= keys.high ? keys.widened() : Range{0, 10};
-    const Range wanted{numberOr("--from", arguments.from, all.low),
-                       numberOr("--to", arguments.to, all.high)};
-    if (!(wanted.low < wanted.high))
-        throw UseError("there is nothing between --from " + floatText(float(wanted.low)) +
-                       " and --to " + floatText(float(wanted.high)));
-    return wanted;
+    return drawable({"--from", arguments.from, all.low}, {"--to", arguments.to, all.high});
 }
 
 /// The values at the times, without those that cannot be had: the curve has a gap there.
@@ -171,65 +248,105 @@ std::vector<float> valuesThatAreThere(const Place& place, const std::vector<floa
 Range valuesToShow(const PlotArguments& arguments, const std::vector<Place>& places, Range times,
                    int samples) {
     Range all = nothing;
+    Range leftOut = nothing;
     if (arguments.min.empty() || arguments.max.empty()) {
         std::vector<float> at(static_cast<std::size_t>(samples) + 1);
         for (std::size_t k = 0; k < at.size(); ++k)
             at[k] = static_cast<float>(times.low +
                                        (times.high - times.low) * static_cast<double>(k) / samples);
-        for (const Place& place : places)
+        for (const Place& place : places) {
+            Range own = nothing;
             for (const float value : valuesThatAreThere(place, at))
                 if (std::isfinite(value))
-                    all.include(static_cast<double>(value));
+                    own.include(static_cast<double>(value));
+            if (!all.takeIn(own) && own.low <= own.high)
+                leftOut = own;
+        }
     }
-    all = all.low <= all.high ? all.widened() : Range{-2, 2};
-    const Range wanted{numberOr("--min", arguments.min, all.low),
-                       numberOr("--max", arguments.max, all.high)};
-    if (!(wanted.low < wanted.high))
-        throw UseError("there is nothing between --min " + floatText(float(wanted.low)) +
-                       " and --max " + floatText(float(wanted.high)));
-    return wanted;
+    if (all.low <= all.high)
+        all = all.widened();
+    else
+        all = leftOut.low <= leftOut.high ? leftOut : Range{-2, 2};
+    return drawable({"--min", arguments.min, all.low}, {"--max", arguments.max, all.high});
+}
+
+/// A row of the names: a channel's, or, without one, how many more there are.
+struct Name {
+    QString text;
+    const KWChannel* channel = nullptr;
+};
+
+constexpr int nameHeight = 18;
+/// Beside a name.
+constexpr int nameMargin = 46;
+constexpr int namesMargin = 10;
+
+/// As many names as leave three quarters of the picture to the curves; none where that is not even
+/// room for two rows.
+std::vector<Name> namesThatFit(const std::vector<Place>& places, const QFontMetrics& metrics,
+                               const QSize& size) {
+    const int room = size.width() - 2 * namesMargin - nameMargin;
+    const auto fitting = static_cast<std::size_t>(std::max(0, size.height() / nameHeight - 1));
+    if (room < 40)
+        return {};
+    std::vector<Name> names;
+    // The widest of so many names.
+    std::vector<int> widths{0};
+    for (std::size_t k = 0; k < std::min(places.size(), fitting); ++k) {
+        names.push_back(
+            {metrics.elidedText(QString::fromStdString(places[k].path), Qt::ElideMiddle, room),
+             places[k].channel.get()});
+        widths.push_back(std::max(widths.back(), metrics.horizontalAdvance(names.back().text)));
+    }
+    for (std::size_t rows = names.size(); rows >= 2; --rows) {
+        const bool isCut = rows < places.size();
+        Name last = names[rows - 1];
+        if (isCut)
+            last = {QStringLiteral("… and %1 more").arg(places.size() - rows + 1), nullptr};
+        const int width = std::max(widths[rows - 1], metrics.horizontalAdvance(last.text));
+        const double area = double(width + nameMargin) * (double(rows) * nameHeight + namesMargin);
+        if (width > room || 4 * area > double(size.width()) * size.height())
+            continue;
+        names.resize(rows);
+        names.back() = std::move(last);
+        return names;
+    }
+    return {};
 }
 
 /// Which colour is which channel, in the upper right corner.
 void drawNames(QPainter& painter, const QSize& size, const std::vector<Place>& places,
                const QColor& background, bool isLight) {
-    constexpr int line = 18;
-    constexpr int margin = 10;
     QFont font = QGuiApplication::font();
     font.setPixelSize(12);
     painter.setFont(font);
     const QFontMetrics metrics(font, painter.device());
-    const int room = size.width() - 2 * margin - 46;
-    if (room < 40)
+    const std::vector<Name> names = namesThatFit(places, metrics, size);
+    if (names.empty())
         return;
-    std::vector<QString> names;
     int width = 0;
-    const auto fitting = static_cast<std::size_t>(std::max(1, size.height() / line - 1));
-    for (std::size_t k = 0; k < std::min(places.size(), fitting); ++k) {
-        const bool isCut = k + 1 == fitting && places.size() > fitting;
-        names.push_back(
-            metrics.elidedText(isCut ? QStringLiteral("… and %1 more").arg(places.size() - k)
-                                     : QString::fromStdString(places[k].path),
-                               Qt::ElideMiddle, room));
-        width = std::max(width, metrics.horizontalAdvance(names.back()));
-    }
-    const QRectF box(size.width() - margin - width - 46, margin, width + 46,
-                     static_cast<double>(names.size()) * line + 10);
+    for (const Name& name : names)
+        width = std::max(width, metrics.horizontalAdvance(name.text));
+    const QRectF box(size.width() - namesMargin - width - nameMargin, namesMargin,
+                     width + nameMargin, double(names.size()) * nameHeight + namesMargin);
     QColor shade = background;
     shade.setAlphaF(0.8f);
     painter.setPen(Qt::NoPen);
     painter.setBrush(shade);
     painter.drawRoundedRect(box, 4, 4);
-    for (std::size_t k = 0; k < names.size(); ++k) {
-        const double middle = box.top() + 5 + line * (static_cast<double>(k) + 0.5);
-        if (k < places.size() && !names[k].startsWith(QChar(0x2026))) {
-            painter.setPen(QPen(colorOf(*places[k].channel, isLight), k == 0 ? 2.5 : 1.5,
-                                Qt::SolidLine, Qt::FlatCap));
+    const QColor text = readableOn(background, QColor(220, 220, 220), QColor(50, 50, 50));
+    double middle = box.top() + 5 + nameHeight / 2.0;
+    for (const Name& name : names) {
+        if (name.channel) {
+            const double thickness = name.channel == places.front().channel.get() ? 2.5 : 1.5;
+            painter.setPen(
+                QPen(colorOf(*name.channel, isLight), thickness, Qt::SolidLine, Qt::FlatCap));
             painter.drawLine(QPointF(box.left() + 8, middle), QPointF(box.left() + 30, middle));
         }
-        painter.setPen(isLight ? QColor(50, 50, 50) : QColor(220, 220, 220));
-        painter.drawText(QRectF(box.left() + 38, middle - line / 2.0, width + 4, line),
-                         Qt::AlignLeft | Qt::AlignVCenter, names[k]);
+        painter.setPen(text);
+        painter.drawText(QRectF(box.left() + 38, middle - nameHeight / 2.0, width + 4, nameHeight),
+                         Qt::AlignLeft | Qt::AlignVCenter, name.text);
+        middle += nameHeight;
     }
 }
 
@@ -257,14 +374,16 @@ class Plot {
         _view.resize(_size);
         _view.setStepCount(steps);
         _view.setDisplayedBounds({float(times.low), float(values.low),
-                                  float(times.high - times.low), float(values.high - values.low)});
+                                  float(times.high) - float(times.low),
+                                  float(values.high) - float(values.low)});
         _view.setShowsGrid(!arguments.hasNoGrid);
         _view.setShowsLegend(!arguments.hasNoLegend);
         // About as many lines as the eye likes, however large the picture is.
         _view.setXGridCount(std::max(1, _size.width() / 32));
         _view.setYGridCount(std::max(1, _size.height() / 32));
-        // Where no time line is wanted it stands far to the left.
-        _view.setCurrentTime(float(numberOr("--time", arguments.at, 2 * times.low - times.high)));
+        // Where no time line is wanted it stands nowhere.
+        _view.setCurrentTime(
+            float(arguments.at.empty() ? -HUGE_VAL : finiteArgument("--time", arguments.at)));
         if (_isLight) {
             _view.setBackgroundColor(QColor(252, 252, 253));
             _view.setGridColor(QColor(205, 207, 215));
@@ -300,6 +419,8 @@ class Plot {
         QSvgGenerator generator;
         generator.setOutputDevice(&buffer);
         generator.setSize(_size);
+        // Points as browsers have them: the size comes out in millimetres.
+        generator.setResolution(96);
         generator.setViewBox(QRect(QPoint(), _size));
         generator.setTitle(QString::fromStdString(_places.front().path));
         generator.setDescription(QString());
