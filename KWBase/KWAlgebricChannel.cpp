@@ -28,7 +28,8 @@ std::optional<std::string> KWAlgebricChannel::sourceText() const {
 }
 
 KWExpressionFault KWAlgebricChannel::fault() const {
-    return _interpreter ? _interpreter->fault() : KWExpressionFault();
+    return _interpreter ? _interpreter->fault()
+                        : KWExpressionFault{KWExpressionFault::Kind::noInterpreter, 0};
 }
 
 float KWAlgebricChannel::valueForTime(std::optional<KWTime> time) const {
@@ -51,8 +52,13 @@ bool KWAlgebricChannel::takeContentsOf(const KWChannel& other) {
     if (!KWChannel::takeContentsOf(other))
         return false;
     const auto& source = dynamic_cast<const KWAlgebricChannel&>(other);
-    // The printed text need not read back as the same expression.
-    setExpression(source.sourceText() ? source.sourceText() : source.expression());
+    if (_interpreter) {
+        // The printed text need not read back as the same expression.
+        const auto expression =
+            source._interpreter ? source._interpreter : std::make_shared<KWAlgebricInterpreter>();
+        _interpreter->takeExpressionOf(*expression);
+        KWChannel::setValueForTime(0, std::nullopt);
+    }
     return true;
 }
 

@@ -8,6 +8,10 @@ bool isMode(std::int32_t mode) {
     return mode == KWExpressionModeXY || mode == KWExpressionModeT;
 }
 
+bool isFault(const KWExpressionFault& fault) {
+    return fault.kind != KWExpressionFault::Kind::none;
+}
+
 /// What can be said before the text is read.
 KWExpressionFault faultBefore(const std::optional<std::string>& text, std::int32_t mode) {
     if (!text)
@@ -19,13 +23,18 @@ KWExpressionFault faultBefore(const std::optional<std::string>& text, std::int32
 
 /// Reads the text into `node`; the fault's place is one of the text as it was typed.
 KWExpressionFault read(ExprNode* node, const std::string& text, std::int32_t mode) {
-    KWExpressionFault fault = KWParseExpression(
-        node, KWExpressionBytes(mode == KWExpressionModeT ? cleanedXStringFromTString(text)
-                                                          : cleanedAlgebricString(text)));
-    if (fault.kind != KWExpressionFault::Kind::none)
-        fault.position = KWNormalisedText(text, mode).origins.at(fault.position);
+    const KWNormalisedText normalised(text, mode);
+    KWExpressionFault fault = KWParseExpression(node, normalised.bytes);
+    if (isFault(fault))
+        fault.position = normalised.origins.at(fault.position);
     return fault;
 }
+
+// Here too, for programs that use interpreters and no channels.
+[[maybe_unused]] const bool classIsRegistered = [] {
+    KWRegisterClass(KWAlgebricInterpreter::classObject());
+    return true;
+}();
 
 } // namespace
 
@@ -42,37 +51,69 @@ const KWClass& KWAlgebricInterpreter::classObject() {
 bool KWAlgebricInterpreter::setExpressionMode(const std::optional<std::string>& text,
                                               std::int32_t mode) {
     _fault = faultBefore(text, mode);
-    if (_fault.kind != KWExpressionFault::Kind::none)
+    if (isFault(_fault))
         return false;
     std::string source = *text; // which may be our own
-    _mode = mode;
-    _algebricString.reset();
-    _sourceText.reset();
-    _program = {};
-    _node.reset();
-
-    std::unique_ptr<ExprNode, Free> node(NewNode());
-    _fault = read(node.get(), source, mode);
-    if (_fault.kind != KWExpressionFault::Kind::none) {
+    clear(mode);
+    KWOwnedTree tree(NewNode());
+    _fault = read(tree.get(), source, mode);
+    if (isFault(_fault)) {
         KWLog("set err = " + std::to_string(_fault.code()));
         return false;
     }
-    std::string printed;
-    WriteTree(node.get(), printed);
-    _algebricString = mode == KWExpressionModeT ? tStringFromXString(printed) : std::move(printed);
-    _sourceText = std::move(source);
-    _program = KWExpressionProgram(node.get());
-    _node = std::move(node);
+    take(std::move(tree), std::move(source));
     return true;
+}
+
+KWExpressionFault
+KWAlgebricInterpreter::replaceExpressionMode(const std::optional<std::string>& text,
+                                             std::int32_t mode) {
+    KWExpressionFault fault = faultBefore(text, mode);
+    if (isFault(fault))
+        return fault;
+    KWOwnedTree tree(NewNode());
+    fault = read(tree.get(), *text, mode);
+    if (isFault(fault))
+        return fault;
+    std::string source = *text; // which may be our own
+    clear(mode);
+    _fault = fault;
+    take(std::move(tree), std::move(source));
+    return fault;
 }
 
 KWExpressionFault KWAlgebricInterpreter::faultInExpression(const std::optional<std::string>& text,
                                                            std::int32_t mode) {
     const KWExpressionFault fault = faultBefore(text, mode);
-    if (fault.kind != KWExpressionFault::Kind::none)
-        return fault;
-    const std::unique_ptr<ExprNode, Free> node(NewNode());
-    return read(node.get(), *text, mode);
+    return isFault(fault) ? fault : read(KWOwnedTree(NewNode()).get(), *text, mode);
+}
+
+void KWAlgebricInterpreter::takeExpressionOf(const KWAlgebricInterpreter& other) {
+    KWOwnedTree tree(CopyNode(other.tree()));
+    KWExpressionProgram program(tree.get());
+    _mode = other._mode;
+    _algebricString = other._algebricString;
+    _sourceText = other._sourceText;
+    _fault = other._fault;
+    _tree = std::move(tree);
+    _program = std::move(program);
+}
+
+void KWAlgebricInterpreter::clear(std::int32_t mode) {
+    _mode = mode;
+    _algebricString.reset();
+    _sourceText.reset();
+    _program = {};
+    _tree.reset();
+}
+
+void KWAlgebricInterpreter::take(KWOwnedTree tree, std::string source) {
+    std::string printed;
+    WriteTree(tree.get(), printed);
+    _algebricString = _mode == KWExpressionModeT ? tStringFromXString(printed) : std::move(printed);
+    _sourceText = std::move(source);
+    _program = KWExpressionProgram(tree.get());
+    _tree = std::move(tree);
 }
 
 std::uint64_t KWAlgebricInterpreter::memoryForText(const std::string& text) {

@@ -7,7 +7,6 @@
 #include <KWFoundation/KWObject.h>
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -23,7 +22,8 @@ enum : std::int32_t {
 ///
 /// The expression is the printed tree, not what was typed: without spaces, numbers with six digits,
 /// and with the printer's ways (WriteTree). In mode 1 each "x" of it is a "t", also that of "exp(".
-/// What was typed is kept beside it and gives exactly this expression again.
+/// What was typed is kept beside it and gives exactly this expression again; archives do not hold
+/// it.
 ///
 /// Setting belongs to one thread. While nobody sets, const members may be called from several.
 class KW_EXPORT KWAlgebricInterpreter : public KWObject {
@@ -40,6 +40,14 @@ class KW_EXPORT KWAlgebricInterpreter : public KWObject {
     /// text was taken; else fault() tells why.
     bool setExpressionMode(const std::optional<std::string>& text, std::int32_t mode);
 
+    /// As setExpressionMode, but a text that is refused changes nothing and logs nothing, fault()
+    /// included. Answers why it was refused, with a position in `text`; no fault when it was taken.
+    KWExpressionFault replaceExpressionMode(const std::optional<std::string>& text,
+                                            std::int32_t mode);
+
+    /// Becomes as `other` is: mode, texts, fault and a tree of its own, or none.
+    void takeExpressionOf(const KWAlgebricInterpreter& other);
+
     /// Why a text would be refused, with a position in `text`. Sets nothing.
     static KWExpressionFault faultInExpression(const std::optional<std::string>& text,
                                                std::int32_t mode);
@@ -54,11 +62,12 @@ class KW_EXPORT KWAlgebricInterpreter : public KWObject {
 
     /// The printed expression; "" for a new interpreter, nil after a refused text.
     const std::optional<std::string>& expression() const { return _algebricString; }
-    /// What was typed, for as long as it is the expression; nil when there is none.
+    /// What was typed, for as long as it is the expression; nil when there is none. After an
+    /// archive that is the text which the archive had: the printed one.
     const std::optional<std::string>& sourceText() const { return _sourceText; }
     std::int32_t mode() const { return _mode; }
     /// The tree, which the interpreter owns; null for none. A set replaces it.
-    const ExprNode* tree() const { return _node.get(); }
+    const ExprNode* tree() const { return _tree.get(); }
 
     /// The value at x and y, or at t. 0 without a tree, and where the expression has none, such as
     /// at a division by zero.
@@ -68,20 +77,25 @@ class KW_EXPORT KWAlgebricInterpreter : public KWObject {
     /// differ.
     void evalTExpressions(std::span<const float> times, std::span<float> values) const;
 
-    /// The expression and the mode. A keyed archive does not give the expression back: the
-    /// interpreter then has none, nil, only its mode. A sequential one does.
+    /// The expression, as it is printed, and the mode. A keyed archive does not give the expression
+    /// back: the interpreter then has none, nil, only its mode.
+    ///
+    /// A sequential one gives what the printed text reads back as, which need not be what was
+    /// written: "5-t" comes back as "-t", "ln(t)" as the decimal logarithm, "t^(2^t)" as "t^2^t",
+    /// numbers with six digits. What cannot be read leaves no expression and a line in the log:
+    /// "abs(t)", "1000000*t", which is printed "1e+06*t", and what is printed too long. Who needs
+    /// the expression itself archives sourceText() and mode().
     void encodeWithCoder(KWCoder& coder) const override;
     bool initWithCoder(KWCoder& coder) override;
 
   private:
-    struct Free {
-        void operator()(ExprNode* node) const { KWDeleteNode(node); }
-    };
+    void clear(std::int32_t mode);
+    void take(KWOwnedTree tree, std::string source);
 
     std::int32_t _mode = KWExpressionModeXY;
     std::optional<std::string> _algebricString = std::string();
     std::optional<std::string> _sourceText;
-    std::unique_ptr<ExprNode, Free> _node;
+    KWOwnedTree _tree;
     KWExpressionProgram _program;
     KWExpressionFault _fault;
 };

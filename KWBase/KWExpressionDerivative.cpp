@@ -1,4 +1,5 @@
 #include <KWBase/KWExpressionStack.h>
+#include <KWBase/KWExpressionText.h>
 #include <KWBase/KWExpressionTree.h>
 
 #include <algorithm>
@@ -306,3 +307,23 @@ ExprNode* Deriv_frac_den(const ExprNode* node) {
 }
 
 } // namespace KWExpressions
+
+KWExpressionFault KWFaultInDerivative(const ExprNode* tree, const ExprNode** node) {
+    using Kind = KWExpressionFault::Kind;
+    KWExpressionStack<const ExprNode*, 64> waiting;
+    waiting.push(tree);
+    while (!waiting.isEmpty()) {
+        const ExprNode* const next = waiting.pop();
+        if (!next || next->code > KWExpressionCos || next->code < KWExpressionSecondVariable) {
+            if (node)
+                *node = next;
+            return {Kind::noRule, 0};
+        }
+        // An exponent is not derived.
+        if (next->code >= KWExpressionAdd && next->code < KWExpressionPower)
+            waiting.push(next->right);
+        if (next->code > KWExpressionConstant)
+            waiting.push(next->left);
+    }
+    return {sizesOf(tree).derivative > KWDerivativeMaximumNodes ? Kind::tooLarge : Kind::none, 0};
+}

@@ -1,24 +1,27 @@
+#include <KWBase/KWExpressionIndex.h>
+#include <KWBase/KWExpressionScan.h>
 #include <KWBase/KWExpressionStack.h>
 #include <KWBase/KWExpressionText.h>
 #include <KWBase/KWExpressionTree.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 // A text is scanned once for the operator or function at which it is split: the last one of the
 // lowest precedence at the shallowest depth of parentheses. The texts on its sides are then read
-// the same way. They are views, never copies; each sees no byte beyond its own end.
+// the same way. They are views, never copies; each sees no byte beyond its own end. Once more has
+// been scanned than a few times the text, long views are looked up in an index instead.
 
 namespace {
 
+using namespace KWExpressionScanning;
 using Kind = KWExpressionFault::Kind;
 
 constexpr char piByte = '\xB8';
 constexpr float pi = 3.1415927f;
-constexpr std::int16_t noFunction = -10;
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
@@ -45,142 +48,6 @@ float numberOf(Byte byte) {
         }
     }
     return isNegative ? -number : number;
-}
-
-/// A function's name, as it was looked up last.
-struct Name {
-    std::int16_t code;
-    std::int16_t length;
-};
-
-/// Looks up the name that begins with `byte(0)`. A word in "a" or "c" that is none leaves `name` as
-/// it was.
-template <class Byte>
-void lookUp(Name& name, Byte byte) {
-    const char second = byte(1);
-    switch (byte(0)) {
-    case 'a':
-        if (second == 'c')
-            name = {KWExpressionAcos, 4};
-        else if (second == 'b')
-            name = {KWExpressionAbs, 3};
-        else if (second == 's')
-            name = {KWExpressionAsin, 4};
-        else if (second == 't')
-            name = {KWExpressionAtan, 4};
-        return;
-    case 'c':
-        if (second == 'h')
-            name = {KWExpressionCosh, 2};
-        else if (second == 'o' && byte(2) == 's')
-            name = byte(3) == 'h' ? Name{KWExpressionCosh, 4} : Name{KWExpressionCos, 3};
-        return;
-    case 'e':
-        if (second == 'x' && byte(2) == 'p')
-            name = {KWExpressionExp, 3};
-        else
-            name.code = noFunction;
-        return;
-    case 'l':
-        if (second == 'n')
-            name = {KWExpressionLn, 2};
-        else if (second == 'o' && byte(2) == 'g')
-            name = {KWExpressionLog, 3};
-        else
-            name.code = noFunction;
-        return;
-    case 's':
-        if (second == 'h')
-            name = {KWExpressionSinh, 2};
-        else if (second == 'q')
-            name = {KWExpressionSqrt, 4};
-        else
-            name = byte(3) == 'h' ? Name{KWExpressionSinh, 4} : Name{KWExpressionSin, 3};
-        return;
-    case 't':
-        if (second == 'h')
-            name = {KWExpressionTanh, 2};
-        else if (second == 'a' && byte(2) == 'n')
-            name = byte(3) == 'h' ? Name{KWExpressionTanh, 4} : Name{KWExpressionTan, 3};
-        else
-            name.code = noFunction;
-        return;
-    default:
-        name.code = noFunction;
-    }
-}
-
-/// A part of the text: the `length` bytes from `begin` are scanned. Names may be looked up as far
-/// as `end`, which is `length` further on or beyond; what lies there counts as zero bytes.
-struct View {
-    int begin;
-    int length;
-    int end;
-};
-
-/// How tightly what a text is split at binds; the loosest wins.
-enum Priority { sum = 1, product, power, function, number, nothing };
-
-/// The best split of a text so far.
-struct Candidate {
-    int split;
-    int depth; ///< parentheses around it, which both sides lose
-    int numberStart;
-    int code;
-    int nameLength;
-    Priority priority;
-    bool isNegation;
-};
-
-/// Operators that are nested deeper are never split at.
-constexpr int deepestSplit = 128;
-
-/// What a byte means to a scan.
-enum class Meaning : std::uint8_t {
-    refused,
-    digit,
-    letter,
-    variable,
-    opening,
-    closing,
-    point,
-    sign
-};
-
-constexpr auto meanings = [] {
-    std::array<Meaning, 256> table{};
-    const auto set = [&table](std::string_view bytes, Meaning meaning) {
-        for (char byte : bytes)
-            table[static_cast<unsigned char>(byte)] = meaning;
-    };
-    set("0123456789\xB8", Meaning::digit);
-    set("abcdefghijklmnopqrst", Meaning::letter);
-    set("xy", Meaning::variable);
-    set("(", Meaning::opening);
-    set(")", Meaning::closing);
-    set(".", Meaning::point);
-    set("+-*/^", Meaning::sign);
-    return table;
-}();
-
-struct Operator {
-    int code;
-    Priority priority;
-};
-
-Operator operatorOf(char sign) {
-    switch (sign) {
-    case '+':
-        return {KWExpressionAdd, sum};
-    case '-':
-        return {KWExpressionSubtract, sum};
-    case '*':
-        return {KWExpressionMultiply, product};
-    case '/':
-        return {KWExpressionDivide, product};
-    default:
-        return {KWExpressionPower, power};
-    }
 }
 
 /// One pass over a text. Small enough for its state to stay in registers.
@@ -251,14 +118,18 @@ class Parser {
     Parser(const char* bytes, int end) : _bytes(bytes), _end(end) {}
 
     KWExpressionFault parse(ExprNode* node, int length) {
+        _length = length;
         _depthLimit = KWExpressionMaximumDepth;
         parse(node, View{0, length, _end});
         // What is nested in the whole text within the limit cannot be a danger in its parts.
         _depthLimit = std::numeric_limits<int>::max();
+        const bool isWholeRead = !_pending.isEmpty();
         while (!_pending.isEmpty()) {
             const Pending next = _pending.pop();
             parse(next.node, next.view);
         }
+        if (_fault.kind == Kind::parentheses && isWholeRead && isBalanced())
+            _fault.kind = Kind::missingOperator;
         return _fault;
     }
 
@@ -271,7 +142,7 @@ class Parser {
     void parse(ExprNode* node, View view) {
         if (view.length < 1)
             fail(Kind::missing, view.begin);
-        else if (scan(view))
+        else if (find(view))
             build(node, view);
     }
 
@@ -281,7 +152,10 @@ class Parser {
         return false;
     }
 
+    bool find(View view);
     bool scan(View view);
+    bool lookUpSplit(View view);
+    bool isBalanced() const;
     int unmatchedParenthesis(View view, int depth) const;
     void build(ExprNode* node, View view);
     void buildLeaf(ExprNode* node, View view, const Candidate& candidate) const;
@@ -290,6 +164,7 @@ class Parser {
 
     const char* _bytes;
     int _end;
+    int _length = 0;
     int _depthLimit = 0;
     KWExpressionFault _fault;
 
@@ -299,12 +174,41 @@ class Parser {
     /// then, scanning it again would end with just that; without this a long sum would take the
     /// square of its length.
     KWExpressionStack<Candidate, 16> _earlier;
+    bool _knowsEarlier = false;
+
+    std::int64_t _scannedBytes = 0;
+    std::optional<KWExpressionIndex> _index;
 
     KWExpressionStack<Pending, 32> _pending;
 };
 
+/// Finds what the view is split at.
+bool Parser::find(View view) {
+    constexpr int longestScan = 64; // that is as quick as the index
+    constexpr int scansOfAll = 4;
+    if (view.length > longestScan && _scannedBytes > std::int64_t{scansOfAll} * _length) {
+        if (!_index)
+            _index.emplace(_bytes, _length, _end);
+        if (_index->knows(view))
+            return lookUpSplit(view);
+    }
+    _scannedBytes += view.length;
+    return scan(view);
+}
+
+bool Parser::lookUpSplit(View view) {
+    _knowsEarlier = false;
+    if (const int refusal = _index->refusalIn(view); refusal >= 0)
+        return fail(Kind::unknown, refusal);
+    if (const int depth = _index->depthOver(view); depth != 0)
+        return fail(Kind::parentheses, unmatchedParenthesis(view, depth));
+    _best = _index->splitOf(view);
+    return true;
+}
+
 bool Parser::scan(View view) {
     _earlier.clear();
+    _knowsEarlier = true;
     Scan scan;
     const char* s = _bytes + view.begin;
     const int available = view.end - view.begin;
@@ -357,6 +261,14 @@ bool Parser::scan(View view) {
         return fail(Kind::parentheses, unmatchedParenthesis(view, scan.depth));
     _best = scan.best;
     return true;
+}
+
+/// Whether each parenthesis of the whole text has its partner, also those that names hide.
+bool Parser::isBalanced() const {
+    int open = 0;
+    for (int i = 0; i < std::min(_length, _end) && open >= 0; ++i)
+        open += _bytes[i] == '(' ? 1 : _bytes[i] == ')' ? -1 : 0;
+    return open == 0;
 }
 
 /// The first parenthesis without a partner; the end of the view when names hide it.
@@ -440,7 +352,7 @@ void Parser::build(ExprNode* node, View view) {
         }
         pushRight(node, view, candidate);
         node = node->left;
-        if (candidate.depth > 0) {
+        if (candidate.depth > 0 || !_knowsEarlier) {
             _pending.push(
                 {node, {view.begin + candidate.depth, candidate.split - candidate.depth, split}});
             return;

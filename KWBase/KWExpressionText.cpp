@@ -226,6 +226,8 @@ std::int16_t KWExpressionFault::code() const {
     case Kind::unknown:
     case Kind::missing:
         return static_cast<std::int16_t>(kind);
+    case Kind::missingOperator:
+        return static_cast<std::int16_t>(Kind::parentheses);
     case Kind::tooLong:
     case Kind::tooDeep:
         return static_cast<std::int16_t>(Kind::unknown);
@@ -252,6 +254,14 @@ std::string KWExpressionFault::sentence() const {
         return "there is no expression";
     case Kind::badMode:
         return "the mode of the expression is neither 0 nor 1";
+    case Kind::missingOperator:
+        return "an operator is missing beside a parenthesis";
+    case Kind::noInterpreter:
+        return "the channel has no interpreter";
+    case Kind::noRule:
+        return "there is no rule for the derivative";
+    case Kind::tooLarge:
+        return "the derivative has more than 4,000,000 parts";
     }
     return "";
 }

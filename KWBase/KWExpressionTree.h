@@ -80,9 +80,9 @@ KW_EXPORT void FindOperator(std::int16_t* code, std::int16_t* length, const char
 
 /// Reads the first `length` bytes of a zero-terminated text, lower-case and without blanks, into
 /// `node`, which is fresh from NewNode. Writes a fault into `err` and never clears it: 1 for
-/// parentheses that do not match, 2 for a byte or word that is not understood, or for text nested
-/// more than 1,000 deep, 3 for a missing operand. What was built before a fault stays with the
-/// node.
+/// parentheses that do not match, in the whole or in what is on one side of an operator, 2 for a
+/// byte or word that is not understood, or for text nested more than 1,000 deep, 3 for an empty
+/// text or a missing operand. What was built before a fault stays with the node.
 KW_EXPORT void ConstructTree(ExprNode* node, const char* string, std::int16_t length,
                              std::int16_t* err);
 
@@ -118,6 +118,7 @@ KW_EXPORT float PuisInt(float base, std::int16_t exponent);
 ///
 /// Each product copies its operands, so a long chain of products grows with the square of its
 /// length: a result of more than KWDerivativeMaximumNodes nodes is not made, and null is answered.
+/// KWFaultInDerivative tells which it was.
 KW_EXPORT ExprNode* Deriv_arbre(const ExprNode* node);
 
 // The shapes that recur in derivatives, of a node with operands f and g, as new trees of at most

@@ -116,6 +116,55 @@ TEST(KWAlgebricChannel, ACopyHasTheSameValuesAndIsIndependent) {
     }
 }
 
+TEST(KWAlgebricChannel, ACopyHasTheModeOfItsSource) {
+    KWAlgebricChannel channel;
+    ASSERT_TRUE(channel.interpreter()->setExpressionMode("th(x)+y", KWExpressionModeXY));
+    const auto copy = copyOf(channel);
+    EXPECT_EQ(copy->interpreter()->mode(), KWExpressionModeXY);
+    EXPECT_EQ(copy->expression(), "tanh(x)+y");
+    EXPECT_EQ(copy->sourceText(), "th(x)+y");
+    EXPECT_EQ(bitsOf(copy->valueForTime(KWTime(1))), bitsOf(std::tanh(1.0F)));
+}
+
+TEST(KWAlgebricChannel, ACopyOfOneWithoutAnExpressionHasNoneAndLogsNothing) {
+    const auto refused = channelWith("t");
+    std::vector<std::string> lines;
+    const KWLogHandler before =
+        KWSetLogHandler([&lines](std::string_view line) { lines.emplace_back(line); });
+    EXPECT_EQ(copyOf(KWAlgebricChannel())->expression(), "");
+    EXPECT_FALSE(refused->setExpression("t+"));
+    lines.clear();
+    const auto copy = copyOf(*refused);
+    EXPECT_EQ(copy->expression(), std::nullopt);
+    EXPECT_EQ(copy->valueForTime(KWTime(1)), 0);
+    EXPECT_TRUE(lines.empty());
+    KWSetLogHandler(before);
+}
+
+TEST(KWAlgebricChannel, TakingTheContentsOfOneWithoutAnExpressionClearsItAndTells) {
+    const auto channel = channelWith("2*t");
+    channel->updateForTime(KWTime(1));
+    NoticeCounter notices(channel.get());
+    EXPECT_TRUE(channel->takeContentsOf(KWAlgebricChannel()));
+    EXPECT_EQ(channel->expression(), "");
+    EXPECT_EQ(channel->sourceText(), std::nullopt);
+    EXPECT_EQ(channel->valueForTime(KWTime(4)), 0);
+    EXPECT_FALSE(channel->isValid());
+    EXPECT_EQ(notices.count, 1);
+    EXPECT_TRUE(channel->takeContentsOf(*channelWith("3*t")));
+    EXPECT_EQ(channel->valueForTime(KWTime(4)), 12);
+}
+
+TEST(KWAlgebricChannel, SettingThroughTheInterpreterTellsNobody) {
+    const auto channel = channelWith("2*t");
+    channel->updateForTime(KWTime(1));
+    NoticeCounter notices(channel.get());
+    EXPECT_TRUE(channel->interpreter()->setExpressionMode("3*t", KWExpressionModeT));
+    EXPECT_EQ(notices.count, 0);
+    EXPECT_TRUE(channel->isValid());
+    EXPECT_EQ(channel->value(), 2);
+}
+
 TEST(KWAlgebricChannel, IsNotMadeFromAChannelOfAnotherClass) {
     EXPECT_EQ(KWAlgebricChannel::initWithChannel<KWAlgebricChannel>(KWConstantChannel()), nullptr);
     EXPECT_EQ(KWChannel::initWithChannel<KWConstantChannel>(KWAlgebricChannel()), nullptr);
@@ -155,7 +204,8 @@ TEST(KWAlgebricChannel, AnArchiveWithoutInterpreterGivesAChannelThatTakesNoExpre
     EXPECT_EQ(channel.interpreter(), nullptr);
     EXPECT_EQ(channel.expression(), std::nullopt);
     EXPECT_FALSE(channel.setExpression("t"));
-    EXPECT_EQ(channel.fault().kind, KWExpressionFault::Kind::none);
+    EXPECT_EQ(channel.fault().kind, KWExpressionFault::Kind::noInterpreter);
+    EXPECT_EQ(channel.fault().sentence(), "the channel has no interpreter");
     EXPECT_EQ(channel.valueForTime(KWTime(1)), 0);
     float values[] = {7};
     channel.valuesForTimes(std::vector<float>{1}, values);
@@ -164,9 +214,8 @@ TEST(KWAlgebricChannel, AnArchiveWithoutInterpreterGivesAChannelThatTakesNoExpre
 }
 
 TEST(KWAlgebricChannel, SomethingElseInTheInterpretersPlaceIsAnError) {
-    const auto archived = KWKeyedArchiver::archivedDataWithRootObject(channelWith("t"));
     const auto coder = fieldsOf(*channelWith("2*t"));
     coder->replace("interpreter", "text");
     KWAlgebricChannel channel;
-    EXPECT_THROW(channel.initWithCoder(*coder), std::exception);
+    EXPECT_THROW(channel.initWithCoder(*coder), KWArchiveError);
 }

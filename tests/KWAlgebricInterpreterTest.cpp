@@ -219,6 +219,29 @@ TEST(KWAlgebricInterpreter, TellsWhyATextIsRefusedAndWhere) {
         EXPECT_FALSE((KWExpressionFault{kind, 0}.sentence().empty()));
 }
 
+TEST(KWAlgebricInterpreter, ReplacingKeepsTheExpressionWhenTheTextIsRefused) {
+    const auto interpreter = inT("2*t");
+    LogCatcher log;
+    EXPECT_EQ(interpreter->replaceExpressionMode("2 * (t", KWExpressionModeXY).kind,
+              Kind::parentheses);
+    EXPECT_EQ(interpreter->replaceExpressionMode("2 * (t", KWExpressionModeXY).position, 4U);
+    EXPECT_EQ(interpreter->replaceExpressionMode(std::nullopt, 0).kind, Kind::noText);
+    EXPECT_EQ(interpreter->replaceExpressionMode("t", 2).kind, Kind::badMode);
+    EXPECT_EQ(interpreter->fault().kind, Kind::none);
+    EXPECT_EQ(interpreter->expression(), "2*t");
+    EXPECT_EQ(interpreter->mode(), KWExpressionModeT);
+    EXPECT_EQ(interpreter->evalTExpression(4), 8);
+    EXPECT_TRUE(log.lines.empty());
+    EXPECT_EQ(interpreter->replaceExpressionMode(" x+y ", KWExpressionModeXY).kind, Kind::none);
+    EXPECT_EQ(interpreter->expression(), "x+y");
+    EXPECT_EQ(interpreter->sourceText(), " x+y ");
+    EXPECT_EQ(interpreter->mode(), KWExpressionModeXY);
+    EXPECT_EQ(interpreter->evalXYExpression(1, 2), 3);
+    // Also when the text is the interpreter's own.
+    EXPECT_EQ(interpreter->replaceExpressionMode(interpreter->sourceText(), 0).kind, Kind::none);
+    EXPECT_EQ(interpreter->sourceText(), " x+y ");
+}
+
 TEST(KWAlgebricInterpreter, TextThatIsTooLongOrTooDeepIsRefused) {
     LogCatcher log;
     KWAlgebricInterpreter interpreter;
@@ -268,8 +291,31 @@ TEST(KWAlgebricInterpreter, ASequentialArchiveHoldsThePrintedTextWithItsOddities
     EXPECT_EQ(log.lines, std::vector<std::string>{"set err = 2"});
     const auto less = readInOrder<KWAlgebricInterpreter>(writtenInOrder(inT("t-1")));
     EXPECT_EQ(less->evalTExpression(5), -1);
+    EXPECT_EQ(less->sourceText(), "-1");
     const auto ln = readInOrder<KWAlgebricInterpreter>(writtenInOrder(inT("ln(t)")));
     EXPECT_EQ(bitsOf(ln->evalTExpression(10)), bitsOf(1.0F));
+    EXPECT_EQ(ln->expression(), "ln(t)");
+    EXPECT_EQ(ln->sourceText(), "log(t)"); // what was printed counts as typed
+    const auto negated = readInOrder<KWAlgebricInterpreter>(writtenInOrder(inT("5-t")));
+    EXPECT_EQ(negated->sourceText(), "-t");
+    EXPECT_EQ(negated->evalTExpression(3), -3);
+    const auto power = readInOrder<KWAlgebricInterpreter>(writtenInOrder(inT("t^(2^t)")));
+    EXPECT_EQ(power->sourceText(), "t^2^t");
+    EXPECT_EQ(power->evalTExpression(3), 729); // (3^2)^3, not 3^8
+    const auto digits = readInOrder<KWAlgebricInterpreter>(writtenInOrder(inT("1.23456789*t")));
+    EXPECT_EQ(digits->sourceText(), "1.23457*t");
+
+    // Exponents cannot be read, nor what is printed longer than texts may be.
+    log.lines.clear();
+    const auto million = readInOrder<KWAlgebricInterpreter>(writtenInOrder(inT("1000000*t")));
+    EXPECT_EQ(million->expression(), std::nullopt);
+    std::string text = "sht";
+    while (text.size() + 4 <= KWExpressionMaximumLength)
+        text += "+sht";
+    const auto longer = readInOrder<KWAlgebricInterpreter>(writtenInOrder(inT(text)));
+    EXPECT_EQ(longer->expression(), std::nullopt);
+    EXPECT_EQ(longer->fault().kind, Kind::tooLong);
+    EXPECT_EQ(log.lines, (std::vector<std::string>{"set err = 2", "set err = 2"}));
 }
 
 TEST(KWAlgebricInterpreter, AnUnknownModeInAnArchiveKeepsTheTextWithoutATree) {

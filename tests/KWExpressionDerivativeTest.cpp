@@ -1,5 +1,6 @@
 #include "ExpressionReference.h"
 
+#include <KWBase/KWExpressionText.h>
 #include <KWBase/KWExpressionTree.h>
 
 #include <gtest/gtest.h>
@@ -146,6 +147,34 @@ TEST(KWExpressionDerivative, RandomTreesAreDerivedAsThePlainRulesDeriveThem) {
             << reference::described(tree.get()) << "\n  " << reference::described(result.get())
             << "\n  " << reference::described(plain.get());
     }
+}
+
+TEST(KWExpressionDerivative, AHostIsToldWhyThereIsNone) {
+    using Kind = KWExpressionFault::Kind;
+    const auto fault = [](const KWOwnedTree& tree) { return KWFaultInDerivative(tree.get()).kind; };
+    EXPECT_EQ(fault(parsed("x^2*sin(x)+cos(ln(x)/exp(y))-sqrt(abs(log(x)))")), Kind::none);
+    EXPECT_EQ(fault(parsed("x^tan(x)")), Kind::none); // exponents are not derived
+    EXPECT_EQ(fault(nullptr), Kind::noRule);
+    for (const char* name : {"tan", "asin", "acos", "atan", "sinh", "cosh", "tanh"}) {
+        const KWOwnedTree tree = parsed("2*" + std::string(name) + "(x)+atan(x)");
+        const ExprNode* node = nullptr;
+        EXPECT_EQ(KWFaultInDerivative(tree.get(), &node).kind, Kind::noRule) << name;
+        EXPECT_EQ(node, tree->left->right) << name;
+    }
+    const KWOwnedTree unknown(reference::made(20, reference::constant(1), nullptr));
+    EXPECT_EQ(fault(unknown), Kind::noRule);
+    const KWOwnedTree missing(reference::made(KWExpressionAdd, reference::constant(1), nullptr));
+    EXPECT_EQ(fault(missing), Kind::noRule);
+
+    // An exact result grows with the square of the chain.
+    std::string product = "x";
+    while (product.size() + 2 <= KWExpressionMaximumLength)
+        product += "*x";
+    const KWOwnedTree chain = parsed(product);
+    EXPECT_EQ(Deriv_arbre(chain.get()), nullptr);
+    EXPECT_EQ(fault(chain), Kind::tooLarge);
+    EXPECT_EQ(KWFaultInDerivative(chain.get()).sentence(),
+              "the derivative has more than 4,000,000 parts");
 }
 
 TEST(KWExpressionDerivative, ADerivativeOfTheMaximumSizeIsMadeAndNoLargerOne) {

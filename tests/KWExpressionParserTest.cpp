@@ -73,6 +73,18 @@ void expectAsPlainlyRead(const std::string& text) {
     ASSERT_TRUE(reference::areEqual(second.get(), plain.get())) << text;
 }
 
+/// With as many closing parentheses as opening ones. What is missing is spread over both ends, so
+/// that the depth may become negative.
+std::string balanced(reference::Random& random, std::string text) {
+    const auto depth =
+        std::count(text.begin(), text.end(), '(') - std::count(text.begin(), text.end(), ')');
+    for (auto k = depth; k != 0; k += k > 0 ? -1 : 1) {
+        const char c = depth > 0 ? ')' : '(';
+        text.insert(random() % 4 == 0 ? text.begin() : text.end(), c);
+    }
+    return text;
+}
+
 /// How many nodes lie below each other along one side.
 int levels(const ExprNode* node, ExprNode* ExprNode::*side) {
     int count = 0;
@@ -419,9 +431,23 @@ TEST(KWExpressionParser, FaultsTellTheirPlace) {
     expectFault(")1+2(", Kind::unknown, 2);
 }
 
+TEST(KWExpressionParser, AMissingOperatorIsToldFromParenthesesThatDoNotMatch) {
+    expectFault("1(2+3)", Kind::missingOperator, 1);
+    expectFault("2(x+1)", Kind::missingOperator, 1);
+    expectFault("x(x+1)", Kind::missingOperator, 1);
+    expectFault("(2+3)x", Kind::missingOperator, 4);
+    expectFault("3*(1+x(x+1))", Kind::missingOperator, 6);
+    expectFault("1(2+3", Kind::parentheses, 1);
+    expectFault("1(2+s((x)", Kind::parentheses, 1); // the name hides two
+    EXPECT_EQ(read("1(2+3)"), "error 1");
+    EXPECT_EQ(faultOf("1(2+3)").code(), 1);
+    EXPECT_EQ(faultOf("1(2+3)").sentence(), "an operator is missing beside a parenthesis");
+}
+
 TEST(KWExpressionParser, EveryFaultHasASentence) {
     for (Kind kind : {Kind::parentheses, Kind::unknown, Kind::missing, Kind::tooLong, Kind::tooDeep,
-                      Kind::noText, Kind::badMode})
+                      Kind::noText, Kind::badMode, Kind::missingOperator, Kind::noInterpreter,
+                      Kind::noRule, Kind::tooLarge})
         EXPECT_FALSE((KWExpressionFault{kind, 0}).sentence().empty());
     EXPECT_EQ(KWExpressionFault().sentence(), "");
     EXPECT_EQ(faultOf("x+").sentence(), "an operand is missing");
@@ -550,17 +576,8 @@ TEST(KWExpressionParser, RandomBytesAreReadAsThePlainParserReadsThem) {
 
 TEST(KWExpressionParser, BalancedScramblesAreReadAsThePlainParserReadsThem) {
     reference::Random random(6);
-    for (int i = 0; i < 60000; ++i) {
-        std::string text = reference::scrambled(random, 1 + i % 24);
-        const auto depth =
-            std::count(text.begin(), text.end(), '(') - std::count(text.begin(), text.end(), ')');
-        // What is missing is spread over both ends, so that the depth may become negative.
-        for (auto k = depth; k != 0; k += k > 0 ? -1 : 1) {
-            const char c = depth > 0 ? ')' : '(';
-            text.insert(random() % 4 == 0 ? text.begin() : text.end(), c);
-        }
-        expectAsPlainlyRead(text);
-    }
+    for (int i = 0; i < 60000; ++i)
+        expectAsPlainlyRead(balanced(random, reference::scrambled(random, 1 + i % 24)));
 }
 
 TEST(KWExpressionParser, EveryShortTextIsReadAsThePlainParserReadsIt) {
@@ -597,6 +614,59 @@ TEST(KWExpressionParser, LongChainsAreReadAsThePlainParserReadsThem) {
             balanced += random() % 3 == 0 ? ")+1" : ")";
         expectAsPlainlyRead(balanced);
     }
+}
+
+TEST(KWExpressionParser, LongTextsOfRandomPiecesAreReadAsThePlainParserReadsThem) {
+    // So long that parts are looked up instead of being scanned again.
+    reference::Random random(8);
+    const std::vector<std::string> pieces{"-x)(", "(-x)", "2*(", "1+(",  "(-1)exp(", "(1-", "sin(",
+                                          "asin", "as((", "s+(", ")",    "(-",       "x",   "^y",
+                                          "*3",   "+t",   ")+1", ")*x",  "abs(",     "cx",  "co",
+                                          "sinx", "(((",  ")))", "0.25", "ax",       "-",   "p"};
+    for (int i = 0; i < 3000; ++i) {
+        const std::vector<std::string> favourites{reference::oneOf(random, pieces),
+                                                  reference::oneOf(random, pieces)};
+        std::string text;
+        for (int k = 100 + reference::below(random, 150); k > 0; --k)
+            text +=
+                reference::oneOf(random, reference::below(random, 4) == 0 ? pieces : favourites);
+        if (i % 4 != 0)
+            text = balanced(random, text);
+        expectAsPlainlyRead(text);
+        if (i % 3 == 0)
+            expectAsPlainlyRead(reference::sentence(random, 8 + i % 4));
+    }
+}
+
+TEST(KWExpressionParser, ALengthWithinALongTextEndsItThere) {
+    for (const char* end : {"t*h(x)", "t*e", "-cosh", "+sinh", "-co", "+t"}) {
+        const std::string text = repeated("2*(-", 90) + "x" + repeated(")", 90) + end;
+        for (std::size_t left = 0; left < 6; ++left) {
+            const std::size_t length = text.size() - left;
+            const KWOwnedTree tree(NewNode());
+            std::int16_t err = 0;
+            ConstructTree(tree.get(), text.c_str(), static_cast<std::int16_t>(length), &err);
+            std::int16_t plainErr = 0;
+            const KWOwnedTree plain(NewNode());
+            reference::construct(plain.get(), text + std::string(4, '\0'), static_cast<int>(length),
+                                 plainErr, 1000);
+            EXPECT_EQ(err, plainErr) << end << left;
+            EXPECT_TRUE(reference::areEqual(tree.get(), plain.get())) << end << left;
+        }
+    }
+}
+
+TEST(KWExpressionParser, ChainsOfNegationsAndOfParenthesesAreReadOfAnyLength) {
+    const auto levelsOf = [](const std::string& text, ExprNode* ExprNode::*side) {
+        const KWOwnedTree tree(NewNode());
+        EXPECT_EQ(KWParseExpression(tree.get(), text).kind, Kind::none);
+        return levels(tree.get(), side);
+    };
+    EXPECT_EQ(levelsOf("-t" + repeated(")(-t", 8190), &ExprNode::right), 8191);
+    EXPECT_EQ(levelsOf(repeated("1+(", 1000) + "1" + repeated("*t", 14000) + repeated(")", 1000),
+                       &ExprNode::right),
+              1001);
+    EXPECT_EQ(levelsOf(repeated("(", 120) + "t" + repeated("^t)", 120), &ExprNode::left), 120);
 }
 
 TEST(KWExpressionParser, TheLongestChainsAreRead) {

@@ -22,21 +22,6 @@ std::vector<std::shared_ptr<KWAlgebricChannel>> algebricChannelsOf(const KWChann
     return found;
 }
 
-/// Past the channel, which would tell of a change. Answers why not; "" when the channel has the
-/// text now.
-std::string restoreText(const KWAlgebricChannel& channel, const std::string& text) {
-    if (text.empty() || channel.sourceText() == text)
-        return {};
-    const std::shared_ptr<KWAlgebricInterpreter>& interpreter = channel.interpreter();
-    if (!interpreter)
-        return "the channel has no interpreter";
-    const std::int32_t mode = interpreter->mode();
-    const KWExpressionFault fault = KWAlgebricInterpreter::faultInExpression(text, mode);
-    if (fault.kind == KWExpressionFault::Kind::none)
-        interpreter->setExpressionMode(text, mode);
-    return fault.sentence();
-}
-
 } // namespace
 
 KWElement::KWElement(std::string name)
@@ -166,9 +151,28 @@ void KWElement::takeArchivedTexts(const KWArchiveValue& value) {
 void KWElement::finishExpressionTexts() {
     restoreExpressionTexts(true);
     _archivedTexts = nullptr;
+    _refusedTexts.clear();
 }
 
-void KWElement::restoreExpressionTexts(bool isLogging) const {
+/// Past the channel, which would tell of a change. Answers why not; "" when the channel has the
+/// text now.
+std::string KWElement::restoreText(const KWAlgebricChannel& channel, const std::string& text) {
+    if (text.empty() || channel.sourceText() == text)
+        return {};
+    const std::shared_ptr<KWAlgebricInterpreter>& interpreter = channel.interpreter();
+    if (!interpreter)
+        return channel.fault().sentence();
+    const std::int32_t mode = interpreter->mode();
+    const auto refused = _refusedTexts.find({mode, text});
+    if (refused != _refusedTexts.end())
+        return refused->second;
+    std::string sentence = interpreter->replaceExpressionMode(text, mode).sentence();
+    if (!sentence.empty())
+        _refusedTexts.emplace(std::pair(mode, text), sentence);
+    return sentence;
+}
+
+void KWElement::restoreExpressionTexts(bool isLogging) {
     if (_archivedTexts.isNil())
         return;
     const auto log = [isLogging](const std::string& line) {

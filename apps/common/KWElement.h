@@ -5,6 +5,13 @@
 #include <KWFoundation/KWArchiveValue.h>
 #include <KWFoundation/KWUndoManager.h>
 
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+
+class KWAlgebricChannel;
+
 /// A named thing with channels, the unit of which our documents are lists. It owns its channels:
 /// their edits register with its undo manager, and a channel is replaced through it.
 ///
@@ -65,13 +72,16 @@ class KWElement final : public KWChannelElement, public KWChannelOwner {
   private:
     void takeArchivedTexts(const KWArchiveValue& value);
     KWArchiveValue expressionTexts(const KWChannelList& channels) const;
-    void restoreExpressionTexts(bool isLogging) const;
+    void restoreExpressionTexts(bool isLogging);
+    std::string restoreText(const KWAlgebricChannel& channel, const std::string& text);
 
     std::string _name;
     std::shared_ptr<KWChannelArray> _channelArray;
     std::weak_ptr<KWUndoManager> _undoManager;
     /// A list of strings, until all of the archive is read; or something else that is no such list.
     KWArchiveValue _archivedTexts;
+    /// The sentences for texts of a mode that were refused on the way, as reading one takes time.
+    std::map<std::pair<std::int32_t, std::string>, std::string> _refusedTexts;
 };
 
 /// Makes the element, and every class that its documents are made of, known to the archives. Any

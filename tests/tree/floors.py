@@ -11,8 +11,8 @@ import sys
 FLOORS = [
     ["KWFoundation"],
     ["KWTime", "KWFrameworkTables", "KWUnitController", "KWExpressionBatch", "KWExpressionCode",
-     "KWExpressionDerivative", "KWExpressionKernelCheck", "KWExpressionKernels",
-     "KWExpressionParser", "KWExpressionPrinter", "KWExpressionProgram", "KWExpressionStack",
+     "KWExpressionDerivative", "KWExpressionIndex", "KWExpressionKernelCheck", "KWExpressionKernels",
+     "KWExpressionParser", "KWExpressionPrinter", "KWExpressionProgram", "KWExpressionScan", "KWExpressionStack",
      "KWExpressionText", "KWExpressionTree", "KWAlgebricInterpreter"],
     ["KWChannelOwner", "KWDeepCopy", "KWChannel"],
     ["KWConstantChannel", "KWFloat4", "KWKeyFrames", "KWKeyFrameCurve", "KWKeyFrameIndex",
