@@ -68,6 +68,8 @@ class KW_EXPORT KWAlgebricInterpreter : public KWObject {
     std::int32_t mode() const { return _mode; }
     /// The tree, which the interpreter owns; null for none. A set replaces it.
     const ExprNode* tree() const { return _tree.get(); }
+    /// The tree made ready to be evaluated; answers 0 when there is none. A set replaces it.
+    const KWExpressionProgram& program() const { return _program; }
 
     /// The value at x and y, or at t. 0 without a tree, and where the expression has none, such as
     /// at a division by zero.

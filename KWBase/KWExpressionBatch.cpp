@@ -308,9 +308,6 @@ float* Machine::run() {
             k.multiply(top, top, top, count);
             apply(k.multiplyByNumber, top, a, top);
             break;
-        case Operation::FirstPower:
-            apply(k.firstPower, top, top);
-            break;
         case Operation::Cubed:
             apply(k.cube, top, top);
             break;

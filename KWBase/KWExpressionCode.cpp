@@ -49,7 +49,8 @@ std::optional<float> exactReciprocal(float number) {
 /// instructions. A leaf that follows later operands may be taken after them: it cannot fail.
 class Compiler {
   public:
-    explicit Compiler(std::vector<KWExpressionInstruction>& code) : _code(code) {}
+    Compiler(std::vector<KWExpressionInstruction>& code, const KWExpressionPowers& (*powers)())
+        : _code(code), _powers(powers) {}
 
     void compile(const ExprNode* tree) {
         const Operand result = tree ? walk(tree) : Operand{Kind::number, 0};
@@ -154,8 +155,7 @@ class Compiler {
     }
 
     Operand binary(std::int16_t code, Operand left, Operand right) {
-        // -NaN is another NaN than NaN.
-        if (right.isNumber() && !(code == KWExpressionSubtract && std::isnan(right.number)))
+        if (right.isNumber())
             return withNumber(code, left, right.number);
         if (left.isNumber())
             return numberWith(code, left.number, right);
@@ -258,22 +258,23 @@ class Compiler {
             drop(base);
             return {Kind::number, 1};
         }
-        if (exponent == 2 && base.kind == Kind::x)
+        const KWExpressionPowers& powers = _powers();
+        if (exponent == 1 && powers.first)
+            return base;
+        if (exponent == 2 && powers.square && base.kind == Kind::x)
             return push(Operation::PushXSquared);
         load(base);
-        if (exponent == 2)
+        if (exponent == 2 && powers.square)
             return emit(Operation::Squared);
-        if (exponent == 1)
-            return emit(Operation::FirstPower);
-        if (exponent == 3)
+        if (exponent == 3 && powers.cube)
             return emit(Operation::Cubed);
-        if (exponent == 4)
+        if (exponent == 4 && powers.fourth)
             return emit(Operation::FourthPower);
-        if (exponent == -1)
+        if (exponent == -1 && powers.reciprocal)
             return emit(Operation::Reciprocal);
-        if (exponent == -2)
+        if (exponent == -2 && powers.reciprocalSquare)
             return emit(Operation::ReciprocalSquare);
-        if (exponent == 0.5f)
+        if (exponent == 0.5f && powers.half)
             return emit(Operation::HalfPower);
         return emit(KWExpressionIsWhole(exponent) ? Operation::PowerWhole : Operation::PowerNumber,
                     exponent);
@@ -333,6 +334,7 @@ class Compiler {
     }
 
     std::vector<KWExpressionInstruction>& _code;
+    const KWExpressionPowers& (*_powers)();
     std::size_t _stacked = 0;
     std::size_t _depth = 0;
     bool _hasFailed = false;
@@ -340,9 +342,10 @@ class Compiler {
 
 } // namespace
 
-std::size_t KWExpressionCompile(const ExprNode* tree, std::vector<KWExpressionInstruction>& code) {
+std::size_t KWExpressionCompile(const ExprNode* tree, std::vector<KWExpressionInstruction>& code,
+                                const KWExpressionPowers& (*powers)()) {
     code.reserve(16);
-    Compiler compiler(code);
+    Compiler compiler(code, powers);
     compiler.compile(tree);
     return compiler.depth();
 }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 // What the instructions of a program do. There is a stack of floats, whose top is called `top` here
@@ -64,7 +65,6 @@
     operation(Squared) \
     operation(SquareTimes)      /* top * top * a */ \
     /* What pow in double answers, rounded to float. */ \
-    operation(FirstPower) \
     operation(Cubed) \
     operation(FourthPower) \
     operation(Reciprocal) \
@@ -103,8 +103,30 @@ struct KWExpressionInstruction {
     float b;
 };
 
+/// Which constant powers may be computed in a shorter way than by pow in double, rounded to float,
+/// as the C library at hand has it.
+struct KWExpressionPowers {
+    bool first, square, cube, fourth, reciprocal, reciprocalSquare, half;
+
+    /// Compares at specials, and where the exact power lies nearest to the middle between two
+    /// floats, which a less exact pow would round to the other one.
+    static KWExpressionPowers compare(double (*pow)(double, double));
+
+    /// Those of this process; compared once, when they are first asked for.
+    static const KWExpressionPowers& atHand();
+};
+
 /// Puts the program of a tree into an empty list. Answers the most values that it stacks at once.
-std::size_t KWExpressionCompile(const ExprNode* tree, std::vector<KWExpressionInstruction>& code);
+/// `powers` is asked only where there is a constant power.
+std::size_t KWExpressionCompile(const ExprNode* tree, std::vector<KWExpressionInstruction>& code,
+                                const KWExpressionPowers& (*powers)() = KWExpressionPowers::atHand);
+
+/// What an evaluation answers for the value that it came to: every NaN is the same quiet one. As
+/// NaNs are alike to each operation and comparison, that makes up for what processors and the order
+/// of operands do to their bits on the way.
+inline float KWExpressionResult(float value) {
+    return value == value ? value : std::numeric_limits<float>::quiet_NaN();
+}
 
 /// The codes of the faults, as ComputeTree has them.
 enum : std::int16_t { KWExpressionDivisionByZero = 1, KWExpressionOutsideDomain = 2 };
@@ -113,6 +135,26 @@ enum : std::int16_t { KWExpressionDivisionByZero = 1, KWExpressionOutsideDomain 
 inline bool KWExpressionIsWhole(float exponent) {
     return exponent >= -2147483648.0f && exponent < 2147483648.0f &&
            static_cast<float>(static_cast<std::int32_t>(exponent)) == exponent;
+}
+
+// The shorter ways; the others are a product, a quotient and a square root in float.
+
+inline float KWExpressionCube(float base) {
+    const auto wide = static_cast<double>(base);
+    return static_cast<float>(wide * wide * wide);
+}
+
+inline float KWExpressionFourthPower(float base) {
+    const double square = static_cast<double>(base) * static_cast<double>(base);
+    return static_cast<float>(square * square);
+}
+
+inline float KWExpressionReciprocalSquare(float base) {
+    return static_cast<float>(1 / (static_cast<double>(base) * static_cast<double>(base)));
+}
+
+inline float KWExpressionHalfPower(float base) {
+    return std::sqrt(base) + 0; // 0 for -0
 }
 
 inline float KWExpressionRaised(float base, float exponent) {

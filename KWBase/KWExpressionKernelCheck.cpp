@@ -1,3 +1,4 @@
+#include <KWBase/KWExpressionCode.h>
 #include <KWBase/KWExpressionKernels.h>
 
 #include <algorithm>
@@ -96,7 +97,46 @@ Samples samplesOfCos() {
     return samples;
 }
 
+/// Where squares, cubes, fourth powers, reciprocals, reciprocals of squares and square roots lie
+/// nearest to the middle between two floats, or exactly there.
+constexpr std::array<std::uint32_t, 54> closeCalls{
+    0x00000000, 0x80000000, 0x00000001, 0x80000001, 0x007fffff, 0x00800000, 0x3f800000, 0xbf800000,
+    0x7f7fffff, 0xff7fffff, 0x7f800000, 0xff800000, 0x7fc00000, 0xffc00000, 0x40490fdb, 0xc2f6e979,
+    0x3f800800, 0x3f801800, 0x3f802800, 0x3f803800, 0xbf804800, 0xbf805800, 0x3f808000, 0x3f818000,
+    0x3f828000, 0xbf838000, 0x3f820000, 0x3f860000, 0x3f8a0000, 0xbf8e0000, 0x3ff38be3, 0x3f94a7f2,
+    0x3fde0d14, 0x3faf3c99, 0x3fffffff, 0x3ffe01ff, 0xbffc3237, 0x3ff0ff0f, 0x3ff02a3b, 0x3ff00ff1,
+    0x3fd1da38, 0x3fb479ca, 0x3faf3762, 0x3fa401cc, 0xbf96723a, 0x3fdc1161, 0x407fffff, 0x3f800001,
+    0x407ffffd, 0x3ffc114a, 0x406e9372, 0x3f800003, 0x40551dbf, 0x405ae03b};
+
+bool isPower(float (*shortForm)(float), double exponent, double (*pow)(double, double)) {
+    return std::all_of(closeCalls.begin(), closeCalls.end(), [=](std::uint32_t bits) {
+        const auto base = std::bit_cast<float>(bits);
+        const float found = KWExpressionResult(shortForm(base));
+        const float wanted =
+            KWExpressionResult(static_cast<float>(pow(static_cast<double>(base), exponent)));
+        const bool isFault = base < 0 && exponent == 0.5;
+        return isFault ||
+               std::bit_cast<std::uint32_t>(found) == std::bit_cast<std::uint32_t>(wanted);
+    });
+}
+
 } // namespace
+
+KWExpressionPowers KWExpressionPowers::compare(double (*pow)(double, double)) {
+    return {isPower([](float a) { return a; }, 1, pow),
+            isPower([](float a) { return a * a; }, 2, pow),
+            isPower(KWExpressionCube, 3, pow),
+            isPower(KWExpressionFourthPower, 4, pow),
+            isPower([](float a) { return 1 / a; }, -1, pow),
+            isPower(KWExpressionReciprocalSquare, -2, pow),
+            isPower(KWExpressionHalfPower, 0.5, pow)};
+}
+
+const KWExpressionPowers& KWExpressionPowers::atHand() {
+    static const KWExpressionPowers powers =
+        compare([](double base, double exponent) { return std::pow(base, exponent); });
+    return powers;
+}
 
 const KWExpressionLibrary& KWExpressionLibrary::atHand() {
     static constexpr KWExpressionLibrary library = {

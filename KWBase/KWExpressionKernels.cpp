@@ -373,18 +373,8 @@ HWY_INLINE void mapInDouble(const float* a, float* out, std::size_t count, Opera
         hn::StoreU(rounded(operation(hn::PromoteTo(d, hn::LoadU(f, a + k)))), f, out + k);
 }
 
-/// pow gives a NaN without its sign for an odd exponent, and a quiet one.
-template <class V>
-HWY_INLINE V oddPower(V power) {
-    return hn::IfThenElse(hn::IsNaN(power), hn::Abs(hn::Add(power, power)), power);
-}
-
-void firstPower(const float* a, float* out, std::size_t count) {
-    map(a, out, count, [](VS x) HWY_ATTR { return oddPower(x); });
-}
-
 void cube(const float* a, float* out, std::size_t count) {
-    mapInDouble(a, out, count, [](VD x) HWY_ATTR { return oddPower(hn::Mul(hn::Mul(x, x), x)); });
+    mapInDouble(a, out, count, [](VD x) HWY_ATTR { return hn::Mul(hn::Mul(x, x), x); });
 }
 
 void fourthPower(const float* a, float* out, std::size_t count) {
@@ -396,7 +386,7 @@ void fourthPower(const float* a, float* out, std::size_t count) {
 
 void reciprocal(const float* a, float* out, std::size_t count) {
     const VS one = hn::Set(S(), 1.0f);
-    map(a, out, count, [=](VS x) HWY_ATTR { return oddPower(hn::Div(one, x)); });
+    map(a, out, count, [=](VS x) HWY_ATTR { return hn::Div(one, x); });
 }
 
 void reciprocalSquare(const float* a, float* out, std::size_t count) {
@@ -441,8 +431,10 @@ void checkLogarithm(const float* a, float* out, std::uint32_t* faults, std::size
 void finish(const float* a, const std::uint32_t* faults, float* out, std::size_t count) {
     const S s;
     const B b;
+    const VS nan = hn::Set(s, std::numeric_limits<float>::quiet_NaN());
     forEach(count, [=](std::size_t k) HWY_ATTR {
-        const auto x = hn::BitCast(b, hn::LoadU(s, a + k));
+        const VS value = hn::LoadU(s, a + k);
+        const auto x = hn::BitCast(b, hn::IfThenElse(hn::IsNaN(value), nan, value));
         hn::StoreU(hn::BitCast(s, hn::AndNot(hn::LoadU(b, faults + k), x)), s, out + k);
     });
 }
@@ -462,7 +454,6 @@ const KWExpressionKernels* table() {
         .subtractFromNumber = subtractFromNumber,
         .divideNumberBy = divideNumberBy,
         .multiplyAndAddNumbers = multiplyAndAddNumbers,
-        .firstPower = firstPower,
         .cube = cube,
         .fourthPower = fourthPower,
         .reciprocal = reciprocal,

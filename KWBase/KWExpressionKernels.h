@@ -15,8 +15,8 @@ struct KWExpressionLibrary {
 };
 
 /// Operations on blocks of floats, by the vector instructions of one kind of processor. Each lane
-/// gets the bits that the plain operation gives for one float; of a NaN with two sources only that
-/// it is one is sure.
+/// gets the bits that the plain operation gives for one float; of a NaN only that it is one is
+/// sure, but for `finish`.
 ///
 /// `count` is a multiple of KWExpressionKernels::step. `out` may be an operand. Operations that can
 /// fail set all bits of `faults` in the lanes that do, whose result then means nothing.
@@ -47,7 +47,6 @@ struct KWExpressionKernels {
                                   std::size_t count);
 
     // What pow in double gives, rounded to float.
-    Unary firstPower;
     Unary cube;
     Unary fourthPower;
     Unary reciprocal;
@@ -58,7 +57,8 @@ struct KWExpressionKernels {
     Unary absolute;
     /// Puts 1 for what has no logarithm, and copies the rest.
     UnaryWithFaults checkLogarithm;
-    /// Puts 0 for the lanes with a fault, and copies the rest.
+    /// Puts 0 for the lanes with a fault, the quiet NaN 0x7fc00000 for every NaN, and copies the
+    /// rest.
     void (*finish)(const float* a, const std::uint32_t* faults, float* out, std::size_t count);
 
     // These do what glibc's functions do, for every float; see KWExpressionChecked.

@@ -25,11 +25,6 @@ float logarithmFault(std::int16_t* err, float argument) {
     return fault(err, argument == 0 ? KWExpressionDivisionByZero : KWExpressionOutsideDomain);
 }
 
-/// pow gives a NaN without its sign for an odd exponent, and a quiet one.
-float oddPower(float power) {
-    return power == power ? power : std::fabs(power + power);
-}
-
 // Labels as values, which gcc and clang know: each instruction jumps to the next one's by itself,
 // which processors foresee better than one jump for all.
 #pragma GCC diagnostic push
@@ -51,7 +46,7 @@ float run(const KWExpressionInstruction* code, float x, float y, std::int16_t* e
     };
     goto* places[static_cast<std::uint32_t>(code->operation)];
 End:
-    return top;
+    return KWExpressionResult(top);
 Fault:
     return fault(err, static_cast<std::int16_t>(code->a));
 
@@ -215,29 +210,22 @@ Squared:
 SquareTimes:
     top = top * top * code->a;
     KW_EXPRESSION_NEXT;
-FirstPower:
-    top = oddPower(top);
+Cubed:
+    top = KWExpressionCube(top);
     KW_EXPRESSION_NEXT;
-Cubed : {
-    const double base = static_cast<double>(top);
-    top = oddPower(static_cast<float>(base * base * base));
+FourthPower:
+    top = KWExpressionFourthPower(top);
     KW_EXPRESSION_NEXT;
-}
-FourthPower : {
-    const double square = static_cast<double>(top) * static_cast<double>(top);
-    top = static_cast<float>(square * square);
-    KW_EXPRESSION_NEXT;
-}
 Reciprocal:
-    top = oddPower(1 / top);
+    top = 1 / top;
     KW_EXPRESSION_NEXT;
 ReciprocalSquare:
-    top = static_cast<float>(1 / (static_cast<double>(top) * static_cast<double>(top)));
+    top = KWExpressionReciprocalSquare(top);
     KW_EXPRESSION_NEXT;
 HalfPower:
     if (top < 0) [[unlikely]]
         return fault(err, KWExpressionOutsideDomain);
-    top = std::sqrt(top) + 0; // 0 for -0
+    top = KWExpressionHalfPower(top);
     KW_EXPRESSION_NEXT;
 PowerNumber:
     if (top < 0) [[unlikely]]
@@ -344,7 +332,7 @@ float KWExpressionProgram::evaluate(float x, float y, std::int16_t* err) const {
     if (_form == Form::ordinary) [[likely]]
         return run(_start, x, y, err, nullptr);
     if (_form == Form::linear)
-        return x * _start->a + _start->b;
+        return KWExpressionResult(x * _start->a + _start->b);
     return runDeep(_start, x, y, err, _depth);
 }
 

@@ -11,8 +11,7 @@
 struct KWExpressionInstruction;
 
 /// A tree made ready to be evaluated fast, one value at a time or many. Answers, bit for bit, what
-/// ComputeTree answers for the tree, on every processor; of a NaN that has more than one source
-/// only that it is one is the same.
+/// ComputeTree answers for the tree, on every processor; every NaN is the quiet one 0x7fc00000.
 ///
 /// The program keeps nothing of the tree. Evaluating writes nothing: any number of threads may do
 /// so at once.
@@ -26,7 +25,8 @@ class KW_EXPORT KWExpressionProgram {
     KWExpressionProgram(KWExpressionProgram&&) noexcept;
     KWExpressionProgram& operator=(KWExpressionProgram&&) noexcept;
 
-    /// The value at x and y. The fault, if there is one, goes to `err`, as with ComputeTree.
+    /// The value at x and y. The fault, if there is one, goes to `err`, as with ComputeTree; but a
+    /// fault that `err` comes with is not looked at, and stays when there is no other.
     float evaluate(float x, float y, std::int16_t* err = nullptr) const;
 
     /// values[k] = evaluate(xs[k], y), for many x at once by vector instructions. `values` may be

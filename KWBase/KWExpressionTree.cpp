@@ -1,3 +1,4 @@
+#include <KWBase/KWExpressionCode.h>
 #include <KWBase/KWExpressionStack.h>
 #include <KWBase/KWExpressionTree.h>
 
@@ -77,8 +78,6 @@ float PuisInt(float base, std::int16_t exponent) {
 
 namespace {
 
-enum : std::int16_t { divisionByZero = 1, outsideDomain = 2 };
-
 bool isLeaf(std::int16_t code) {
     return code <= KWExpressionConstant && code >= KWExpressionSecondVariable;
 }
@@ -88,16 +87,10 @@ float fault(std::int16_t* err, std::int16_t code) {
     return 0;
 }
 
-/// Whether the number is one of the whole numbers of 32 bits.
-bool isWhole(float number) {
-    return number >= -2147483648.0f && number < 2147483648.0f &&
-           static_cast<float>(static_cast<std::int32_t>(number)) - number == 0;
-}
-
 float power(float base, float exponent, std::int16_t* err) {
-    if (base < 0 && !isWhole(exponent))
-        return fault(err, outsideDomain);
-    return static_cast<float>(std::pow(static_cast<double>(base), static_cast<double>(exponent)));
+    if (base < 0 && !KWExpressionIsWhole(exponent))
+        return fault(err, KWExpressionOutsideDomain);
+    return KWExpressionRaised(base, exponent);
 }
 
 float applied(std::int16_t code, float a, float b, std::int16_t* err) {
@@ -109,7 +102,7 @@ float applied(std::int16_t code, float a, float b, std::int16_t* err) {
     case KWExpressionMultiply:
         return a * b;
     case KWExpressionDivide:
-        return b == 0 ? fault(err, divisionByZero) : a / b;
+        return b == 0 ? fault(err, KWExpressionDivisionByZero) : a / b;
     case KWExpressionPower:
         return power(a, b, err);
     case KWExpressionExp:
@@ -117,12 +110,12 @@ float applied(std::int16_t code, float a, float b, std::int16_t* err) {
     case KWExpressionLn:
     case KWExpressionLog:
         if (a == 0)
-            return fault(err, divisionByZero);
+            return fault(err, KWExpressionDivisionByZero);
         if (a < 0)
-            return fault(err, outsideDomain);
+            return fault(err, KWExpressionOutsideDomain);
         return code == KWExpressionLn ? std::log(a) : std::log10(a);
     case KWExpressionSqrt:
-        return a < 0 ? fault(err, outsideDomain) : std::sqrt(a);
+        return a < 0 ? fault(err, KWExpressionOutsideDomain) : std::sqrt(a);
     case KWExpressionAbs:
         return std::fabs(a);
     case KWExpressionSin:
@@ -166,14 +159,14 @@ float ComputeTree(const ExprNode* node, float x, float y, std::int16_t* err) {
             pending.push({node, 0, false});
             node = node->left;
             if (!node)
-                return fault(err, outsideDomain);
+                return fault(err, KWExpressionOutsideDomain);
         }
         float value = node->code == KWExpressionConstant        ? node->value
                       : node->code == KWExpressionFirstVariable ? x
                                                                 : y;
         for (;;) {
             if (pending.isEmpty())
-                return value;
+                return KWExpressionResult(value);
             Pending& top = pending.top();
             if (!top.isLeftKnown && top.node->right) {
                 top.left = value;

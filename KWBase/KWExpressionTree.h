@@ -90,7 +90,8 @@ KW_EXPORT void ConstructTree(ExprNode* node, const char* string, std::int16_t le
 /// `err`, which the caller sets to 0 and which is never cleared; the value is then 0, and what lies
 /// to the right of the fault is not looked at. 1 is a division by zero or the logarithm of zero; 2
 /// an argument outside of a function's domain: the logarithm or square root of a negative number, a
-/// negative number to a power that is no whole number of 32 bits. NaN is no fault.
+/// negative number to a power that is no whole number of 32 bits. NaN is no fault; a value that is
+/// one is always the quiet NaN 0x7fc00000, whatever NaNs went in.
 ///
 /// A missing right operand counts as 0. A missing left operand of an operator or function is a
 /// fault of code 2. A kind that is none of those above is 0, once its operands have their values.

@@ -20,8 +20,7 @@ void require(bool holds) {
 }
 
 bool isSame(float a, float b) {
-    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b) ||
-           (std::isnan(a) && std::isnan(b));
+    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b);
 }
 
 } // namespace
@@ -43,8 +42,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!isTaken)
         return 0;
 
-    const std::array<float, 6> times{0, -1, 2.5F, 1e30F, -1e-40F, HUGE_VALF};
-    std::array<float, 6> values{};
+    // As many as take blocks, and a rest.
+    const std::array<float, 17> times{
+        0,    -1, 2.5F,   1e30F, -1e-40F, HUGE_VALF, -HUGE_VALF, NAN,          -NAN,
+        0.1F, 3,  -7.25F, 100,   -0.0F,   1e-5F,     119,        2147483648.0F};
+    std::array<float, 17> values{};
     interpreter.evalTExpressions(times, values);
     ExprNode* const copy = CopyNode(interpreter.tree());
     for (std::size_t k = 0; k < times.size(); ++k) {

@@ -79,8 +79,7 @@ class Builder {
 };
 
 bool isSame(float a, float b) {
-    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b) ||
-           (std::isnan(a) && std::isnan(b));
+    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b);
 }
 
 } // namespace
@@ -89,8 +88,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ExprNode* const tree = Builder(data, size).build();
     ExprNode* const copy = CopyNode(tree);
     const KWExpressionProgram program(tree);
-    const std::array<float, 5> xs{0, -1.5F, 3, 1e38F, -HUGE_VALF};
-    std::array<float, 5> values{};
+    // As many as take blocks, and a rest.
+    const std::array<float, 17> xs{0,      -1.5F, 3,    1e38F, -HUGE_VALF,   HUGE_VALF,
+                                   NAN,    -NAN,  0.1F, -0.0F, -7.25F,       100,
+                                   1e-40F, 119,   1,    -1,    2147483648.0F};
+    std::array<float, 17> values{};
     program.evaluate(xs, 0.5F, values);
     for (std::size_t k = 0; k < xs.size(); ++k) {
         std::int16_t wanted = 0;

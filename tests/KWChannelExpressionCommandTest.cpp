@@ -116,7 +116,7 @@ TEST_F(KWChannelExpressions, ExprNamesTheFunctionThatHasNoDerivative) {
     std::string product = "t";
     for (int k = 0; k < 4000; ++k)
         product += "*t";
-    EXPECT_CONTAINS(failure(1, {"expr", product, "--derive"}), "more than 4000000 parts");
+    EXPECT_CONTAINS(failure(1, {"expr", product, "--derive"}), "more than 4,000,000 parts");
 }
 
 TEST_F(KWChannelExpressions, ExprShowsValuesAndWhereThereAreNone) {

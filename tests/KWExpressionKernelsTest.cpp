@@ -1,5 +1,7 @@
 #include "ExpressionTargets.h"
 
+#include <KWBase/KWExpressionCode.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -46,6 +48,11 @@ std::pair<Floats, Floats> pairs() {
     return result;
 }
 
+/// Of a NaN only that it is one is sure.
+bool areSame(float a, float b) {
+    return bitsOf(KWExpressionResult(a)) == bitsOf(KWExpressionResult(b));
+}
+
 void expectSameBits(float result, float expected, bool hasTwoSources, std::string_view what) {
     if (hasTwoSources) {
         ASSERT_TRUE(std::isnan(result)) << what;
@@ -59,7 +66,7 @@ void expectUnary(const Floats& input, const std::function<void(const float*, flo
     Floats output(input.size());
     kernel(input.data(), output.data());
     for (std::size_t k = 0; k < input.size(); ++k) {
-        ASSERT_EQ(bitsOf(output[k]), bitsOf(plain(input[k])))
+        ASSERT_TRUE(areSame(output[k], plain(input[k])))
             << what << " of " << input[k] << ", 0x" << std::hex << bitsOf(input[k]);
     }
     Floats inPlace = input;
@@ -144,7 +151,6 @@ TEST(KWExpressionKernels, PowersArePowInDouble) {
                 input, [&](const float* a, float* out) { kernel(a, out, n); },
                 [exponent](float a) { return raised(a, exponent); }, target);
         };
-        check(kernels.firstPower, 1);
         check(kernels.cube, 3);
         check(kernels.fourthPower, 4);
         check(kernels.reciprocal, -1);
@@ -185,7 +191,10 @@ TEST(KWExpressionKernels, FinishingPutsZeroWhereAFaultIs) {
         Floats out(input.size());
         kernels.finish(input.data(), faults.data(), out.data(), out.size());
         for (std::size_t k = 0; k < out.size(); ++k)
-            ASSERT_EQ(bitsOf(out[k]), k % 3 == 0 ? 0u : bitsOf(input[k])) << target;
+            ASSERT_EQ(bitsOf(out[k]), k % 3 == 0             ? 0u
+                                      : std::isnan(input[k]) ? 0x7fc00000u
+                                                             : bitsOf(input[k]))
+                << target;
         kernels.absolute(input.data(), out.data(), out.size());
         for (std::size_t k = 0; k < out.size(); ++k)
             ASSERT_EQ(bitsOf(out[k]), bitsOf(std::fabs(input[k]))) << target;
@@ -217,7 +226,7 @@ std::uint64_t countDifferences(Kernels::Unary kernel, Function function, std::ui
             input[k] = std::bit_cast<float>(static_cast<std::uint32_t>(bits + step * k));
         kernel(input.data(), output.data(), size);
         for (std::size_t k = 0; k < size; ++k)
-            differences += bitsOf(output[k]) != bitsOf(function(input[k]));
+            differences += areSame(output[k], function(input[k])) ? 0u : 1u;
     }
     return differences;
 }
@@ -319,8 +328,6 @@ TEST(KWExpressionKernels, EveryConstantPowerIsPowInDouble) {
         std::cout << "power " << exponent << ": " << differences << " differences" << std::endl;
         EXPECT_EQ(differences, 0u) << exponent;
     };
-    expectEqual(
-        kernels.firstPower, [](float a) { return raised(a, 1); }, "1");
     expectEqual(
         square, [](float a) { return raised(a, 2); }, "2");
     expectEqual(

@@ -17,6 +17,12 @@ struct ExprArguments {
     bool isJson = false;
 };
 
+/// Values, and for each of them its fault, as ComputeTree has them.
+struct Series {
+    std::vector<float> values;
+    std::vector<std::int16_t> faults;
+};
+
 /// An expression and what was asked of it.
 struct Analysis {
     KWAlgebricInterpreter interpreter;
@@ -24,15 +30,18 @@ struct Analysis {
     KWOwnedTree derivative; ///< null when it was not asked for
     float y = 0;
     std::vector<float> times;
-    std::vector<float> values;
-    std::vector<std::int16_t> faults; ///< of each value, as ComputeTree has them
-    std::vector<float> slopes;        ///< values of the derivative
+    Series values;
+    Series slopes; ///< of the derivative
 };
 
-std::vector<float> evaluated(const KWExpressionProgram& program, const Analysis& it) {
-    std::vector<float> values(it.times.size());
-    program.evaluate(it.times, it.y, values);
-    return values;
+Series evaluated(const KWExpressionProgram& program, const Analysis& it) {
+    Series series;
+    for (const float time : it.times) {
+        std::int16_t fault = 0;
+        series.values.push_back(program.evaluate(time, it.y, &fault));
+        series.faults.push_back(fault);
+    }
+    return series;
 }
 
 std::unique_ptr<Analysis> analysisOf(const ExprArguments& arguments) {
@@ -48,19 +57,13 @@ std::unique_ptr<Analysis> analysisOf(const ExprArguments& arguments) {
     else if (!arguments.y.empty())
         throw UseError("--y needs values of x: give --at, or --from, --to and --step");
 
-    checkExpression(arguments.text, it->mode);
-    it->interpreter.setExpressionMode(arguments.text, it->mode);
-    if (arguments.derives)
+    setExpression(it->interpreter, arguments.text, it->mode);
+    it->values = evaluated(it->interpreter.program(), *it);
+    if (arguments.derives) {
         it->derivative = derivativeOf(*it->interpreter.tree());
-    const KWExpressionProgram program(it->interpreter.tree());
-    it->values = evaluated(program, *it);
-    for (const float time : it->times) {
-        std::int16_t fault = 0;
-        program.evaluate(time, it->y, &fault);
-        it->faults.push_back(fault);
+        if (!it->times.empty())
+            it->slopes = evaluated(KWExpressionProgram(it->derivative.get()), *it);
     }
-    if (it->derivative)
-        it->slopes = evaluated(KWExpressionProgram(it->derivative.get()), *it);
     return it;
 }
 
@@ -73,18 +76,28 @@ std::string exprJson(const ExprArguments& arguments, const Analysis& it) {
         json[arguments.isXY ? "x" : "times"] = it.times;
         if (arguments.isXY)
             json["y"] = it.y;
-        json["values"] = it.values;
-        json["faults"] = it.faults;
+        json["values"] = it.values.values;
+        json["faults"] = it.values.faults;
     }
     if (it.derivative) {
         Json derivative = {{"expression", printedTree(*it.derivative, it.mode)}};
         if (arguments.showsTree)
             derivative["tree"] = treeJson(*it.derivative, it.mode);
-        if (!it.times.empty())
-            derivative["values"] = it.slopes;
+        if (!it.times.empty()) {
+            derivative["values"] = it.slopes.values;
+            derivative["faults"] = it.slopes.faults;
+        }
         json["derivative"] = std::move(derivative);
     }
     return jsonText(json) + "\n";
+}
+
+std::string remark(const Analysis& it, std::size_t place) {
+    std::string text = evaluationFault(it.values.faults[place]);
+    if (it.derivative && it.slopes.faults[place] != 0)
+        text += (text.empty() ? "derivative: " : "; derivative: ") +
+                evaluationFault(it.slopes.faults[place]);
+    return text;
 }
 
 std::string valueTable(const ExprArguments& arguments, const Analysis& it) {
@@ -97,10 +110,10 @@ std::string valueTable(const ExprArguments& arguments, const Analysis& it) {
         heading.emplace_back("derivative");
     table.addRow(std::move(heading));
     for (std::size_t k = 0; k < it.times.size(); ++k) {
-        std::vector<std::string> row{floatText(it.times[k]), floatText(it.values[k])};
+        std::vector<std::string> row{floatText(it.times[k]), floatText(it.values.values[k])};
         if (it.derivative)
-            row.push_back(floatText(it.slopes[k]));
-        row.push_back(evaluationFault(it.faults[k]));
+            row.push_back(floatText(it.slopes.values[k]));
+        row.push_back(remark(it, k));
         table.addRow(std::move(row));
     }
     return table.text();

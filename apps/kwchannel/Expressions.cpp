@@ -29,23 +29,6 @@ std::string nodeText(const ExprNode& node, std::int32_t mode) {
     return text;
 }
 
-/// The first function that keeps a tree from having a derivative; none is KWExpressionConstant.
-std::int16_t functionWithoutRule(const ExprNode& tree) {
-    std::vector<const ExprNode*> waiting{&tree};
-    while (!waiting.empty()) {
-        const ExprNode* const node = waiting.back();
-        waiting.pop_back();
-        if (node->code >= KWExpressionTan)
-            return node->code;
-        // An exponent is not derived.
-        if (node->right && node->code != KWExpressionPower)
-            waiting.push_back(node->right);
-        if (node->left)
-            waiting.push_back(node->left);
-    }
-    return KWExpressionConstant;
-}
-
 /// The first `count` characters, or the last.
 std::string_view firstColumns(std::string_view text, std::size_t count) {
     std::size_t end = 0;
@@ -134,15 +117,20 @@ void checkExpression(const std::string& text, std::int32_t mode) {
         throw ExpressionError(text, fault);
 }
 
+void setExpression(KWAlgebricInterpreter& interpreter, const std::string& text, std::int32_t mode) {
+    const KWExpressionFault fault = interpreter.replaceExpressionMode(text, mode);
+    if (fault.kind != KWExpressionFault::Kind::none)
+        throw ExpressionError(text, fault);
+}
+
 KWOwnedTree derivativeOf(const ExprNode& tree) {
-    const std::int16_t function = functionWithoutRule(tree);
-    if (function != KWExpressionConstant)
-        throw DataError("there is no derivative: there is no rule for " + kindName(function));
-    KWOwnedTree derivative(Deriv_arbre(&tree));
-    if (!derivative)
-        throw DataError("there is no derivative: it would have more than " +
-                        std::to_string(KWDerivativeMaximumNodes) + " parts");
-    return derivative;
+    const ExprNode* node = nullptr;
+    const KWExpressionFault fault = KWFaultInDerivative(&tree, &node);
+    if (node)
+        throw DataError("there is no derivative: there is no rule for " + kindName(node->code));
+    if (fault.kind != KWExpressionFault::Kind::none)
+        throw DataError("there is no derivative: " + fault.sentence());
+    return KWOwnedTree(Deriv_arbre(&tree));
 }
 
 std::string printedTree(const ExprNode& tree, std::int32_t mode) {
@@ -156,6 +144,8 @@ void drawTree(const ExprNode& tree, std::int32_t mode, Output& output) {
 }
 
 Json treeJson(const ExprNode& tree, std::int32_t mode) {
+    // Far more than a text has; a derivative may have millions.
+    constexpr std::size_t mostPartsInJson = 100'000;
     Json list = Json::array();
     struct Entry {
         const ExprNode* node;
@@ -166,6 +156,9 @@ Json treeJson(const ExprNode& tree, std::int32_t mode) {
         const auto [node, user] = waiting.back();
         waiting.pop_back();
         const std::size_t place = list.size();
+        if (place == mostPartsInJson)
+            throw DataError("a tree of more than " + std::to_string(mostPartsInJson) +
+                            " parts is not shown as JSON; leave out --tree");
         if (place > 0)
             list[user]["operands"].push_back(place);
         Json entry = {{"kind", kindName(node->code)}, {"code", node->code}};

@@ -26,7 +26,10 @@ class ExpressionError : public DataError {
 /// ExpressionError for a text that an interpreter would refuse.
 void checkExpression(const std::string& text, std::int32_t mode);
 
-/// The derivative of a tree. DataError, with the function at fault, where there is none.
+/// Gives an interpreter the expression. ExpressionError for a text that it refuses.
+void setExpression(KWAlgebricInterpreter& interpreter, const std::string& text, std::int32_t mode);
+
+/// The derivative of a tree. DataError, with the reason, where there is none.
 KWOwnedTree derivativeOf(const ExprNode& tree);
 
 /// The text of a tree, as an interpreter of this mode prints it.
@@ -38,6 +41,7 @@ void drawTree(const ExprNode& tree, std::int32_t mode, Output& output);
 
 /// The nodes of a tree from its root downwards, operands from left to right: a list, as a long
 /// chain would be nested too deep for most readers. Operands are named by their places in it.
+/// DataError for more than 100,000 nodes.
 Json treeJson(const ExprNode& tree, std::int32_t mode);
 
 /// What ComputeTree's fault means; "" for none.
