@@ -129,6 +129,14 @@ TEST_F(KWChannelExpressions, ExprShowsValuesAndWhereThereAreNone) {
               " 1      1          -1\n");
     EXPECT_CONTAINS(output({"expr", "sqrt(t)", "--at", "-4,4"}),
                     "\n-4      0  outside of a function's domain\n 4      2\n");
+    EXPECT_CONTAINS(output({"expr", "sqrt(t)", "--at", "0,4", "--derive"}),
+                    "\n0      0           0  derivative: division by zero, or the logarithm of zero"
+                    "\n4      2       0.125\n");
+    EXPECT_CONTAINS(output({"expr", "ln(t)", "--at", "-1,0", "--derive"}),
+                    "\n-1      0          -1  outside of a function's domain"
+                    "\n 0      0           0  division by zero, or the logarithm of zero\n");
+    EXPECT_CONTAINS(output({"expr", "sqrt(t)+1/(t+1)", "--at", "-1", "--derive"}),
+                    "  outside of a function's domain; derivative: division by zero");
     EXPECT_EQ(output({"expr", "x*y", "--xy", "--y", "0.5", "--at", "3"}),
               "x*y\nx  value\n3    1.5\n");
 }
@@ -158,11 +166,31 @@ TEST_F(KWChannelExpressions, ExprAsJSONHoldsAll) {
     EXPECT_EQ(all["faults"], (json{0, 0}));
     EXPECT_EQ(all["derivative"]["expression"], "0*t+2*1");
     EXPECT_EQ(all["derivative"]["values"][0], 2);
+    EXPECT_EQ(all["derivative"]["faults"], (json{0, 0}));
     EXPECT_EQ(all["derivative"]["tree"].size(), 7U);
     const json xy = json::parse(output({"expr", "1/y", "--xy", "--at", "1", "--y=-0.0", "--json"}));
     EXPECT_EQ(xy["x"], json{1});
     EXPECT_EQ(xy["faults"], json{1});
     EXPECT_FALSE(xy.contains("times"));
+    const json root = json::parse(output({"expr", "sqrt(t)", "--json", "--derive", "--at", "0,1"}));
+    EXPECT_EQ(root["faults"], (json{0, 0}));
+    EXPECT_EQ(root["derivative"]["faults"], (json{1, 0}));
+}
+
+TEST_F(KWChannelExpressions, ExprRefusesToShowAHugeTreeAsJSON) {
+    std::string product = "t";
+    for (int k = 0; k < 1000; ++k)
+        product += "*t";
+    EXPECT_EQ(failure(1, {"expr", product, "--derive", "--tree", "--json"}),
+              "kwchannel: a tree of more than 100000 parts is not shown as JSON; leave out "
+              "--tree\n");
+    EXPECT_EQ(json::parse(output({"expr", product, "--tree", "--json"}))["tree"].size(), 2001U);
+}
+
+TEST_F(KWChannelExpressions, AMissingOperatorIsShownBesideItsParenthesis) {
+    EXPECT_EQ(excerpt({"expr", "2(t + 1)"}, "an operator is missing beside a parenthesis"),
+              "  2(t + 1)\n"
+              "   ^\n");
 }
 
 TEST_F(KWChannelExpressions, ARefusedTextIsShownWithACaretUnderThePlace) {

@@ -320,6 +320,31 @@ TEST(KWElementExpressions, AnArchiveOfOneLongTextForManyChannelsIsRefused) {
     EXPECT_EQ(refusal(stream.bytes()), reason);
 }
 
+TEST(KWElementExpressions, ATextThatIsSlowToScanComesBackInManyChannels) {
+    // Scanned anew behind each negation this would take minutes.
+    std::string chain = "-t";
+    while (chain.size() + 4 <= KWExpressionMaximumLength)
+        chain += ")(-t";
+    for (const bool isGood : {true, false}) {
+        const std::string text = isGood ? chain : chain + "+";
+        ArchiveBuilder builder;
+        std::vector<Number> channels;
+        for (int k = 0; k < 45; ++k)
+            channels.push_back(builder.addAlgebricChannel("a"));
+        const Number array = builder.addChannelArray(channels);
+        const Number list = builder.addList(std::vector<Number>(45, builder.addString(text)));
+        const Number element = builder.addInstance(
+            {"KWElement", "NSObject"}, {{"name", builder.reference(builder.addString("Lamp"))},
+                                        {"channelArray", builder.reference(array)},
+                                        {"expressionTexts", builder.reference(list)}});
+        const LoggedLines log;
+        const KWDocument read =
+            KWDocument::read(builder.finishWithRoot(builder.addList({element})));
+        EXPECT_TRUE(textsOf(read) == Strings(45, isGood ? text : "-"));
+        EXPECT_EQ(log.lines.size(), isGood ? 0U : 45U);
+    }
+}
+
 TEST(KWElementExpressions, ManyLongTextsOfTheirOwnComeBack) {
     std::vector<std::shared_ptr<KWChannel>> channels;
     for (int k = 0; k < 200; ++k)

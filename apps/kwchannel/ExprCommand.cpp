@@ -93,8 +93,9 @@ std::string exprJson(const ExprArguments& arguments, const Analysis& it) {
 }
 
 std::string remark(const Analysis& it, std::size_t place) {
-    std::string text = evaluationFault(it.values.faults[place]);
-    if (it.derivative && it.slopes.faults[place] != 0)
+    const std::int16_t fault = it.values.faults[place];
+    std::string text = evaluationFault(fault);
+    if (it.derivative && it.slopes.faults[place] != 0 && it.slopes.faults[place] != fault)
         text += (text.empty() ? "derivative: " : "; derivative: ") +
                 evaluationFault(it.slopes.faults[place]);
     return text;
