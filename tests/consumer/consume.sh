@@ -29,6 +29,7 @@ PkgConfig)
     }
     build kwbase-channels "$source/examples/host.cpp"
     build kwbase-channels "$consumer/reader.cpp"
+    build kwbase-channels "$consumer/interpreter.cpp"
     [ "$views" = OFF ] || build kwbase-views "$consumer/viewer.cpp"
     ;;
 esac
@@ -36,6 +37,7 @@ esac
 diff -u "$source/examples/host.txt" host.txt
 ./reader lamp.plist >reader.txt
 diff -u "$consumer/reader.txt" reader.txt
+[ "$(./interpreter)" = 6 ]
 if [ "$views" != OFF ]; then
     mkdir -m 700 run
     QT_SCALE_FACTOR=1 XDG_RUNTIME_DIR=$PWD/run ./viewer >viewer.txt
