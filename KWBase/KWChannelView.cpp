@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <stdexcept>
 
 namespace {
 
@@ -103,8 +104,16 @@ void KWChannelView::setDisplayedRectangle(const QRectF& bounds) {
 }
 
 void KWChannelView::fitChannel(const QObject*) {
-    if (const auto* channel = dynamic_cast<const KWKeyFramedChannel*>(_primaryChannel.get()))
-        setDisplayedRange(KWRangeAroundBounds(channel->boundingRectInUserUnit()));
+    const auto* const channel = dynamic_cast<const KWKeyFramedChannel*>(_primaryChannel.get());
+    if (!channel)
+        return;
+    HJRect bounds;
+    try {
+        bounds = channel->boundingRectInUserUnit();
+    } catch (const std::out_of_range&) {
+        return; // out of order, and with keys that have no value
+    }
+    setDisplayedRange(KWRangeAroundBounds(bounds));
 }
 
 void KWChannelView::setDisplayedRange(const KWDisplayedRange& range) {

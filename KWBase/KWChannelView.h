@@ -138,8 +138,9 @@ class KW_EXPORT KWChannelView : public QWidget, public KWObject, public KWKeyObs
     QRectF displayedRectangle() const;
     void setDisplayedRectangle(const QRectF& bounds);
     /// Displays all keys of a keyframed primary channel, with a tenth of the span around them.
-    /// Draws the view anew. Nothing happens with another channel or none; the sender is not used.
-    void fitChannel(const QObject* sender = nullptr);
+    /// Draws the view anew. Nothing happens with another channel or none, nor with one out of order
+    /// whose keys have no values; the sender is not used.
+    Q_SLOT void fitChannel(const QObject* sender = nullptr);
     /// Remembers what is displayed, for the pan or zoom that follows.
     void setAnchor();
     const KWDisplayedRange& anchor() const { return _anchor; }
@@ -207,7 +208,7 @@ class KW_EXPORT KWChannelView : public QWidget, public KWObject, public KWKeyObs
     void setEditingMode(std::int32_t mode);
     /// Whether moved keys jump to half the steps of the grid.
     bool snaps() const { return _snap; }
-    void setSnaps(bool snaps);
+    Q_SLOT void setSnaps(bool snaps);
     // Kept for the host; the view does not act on them.
     bool clampsValues() const { return _clampsValues; }
     void setClampsValues(bool clamps);

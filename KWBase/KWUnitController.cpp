@@ -1,9 +1,11 @@
 #include <KWBase/KWFrameworkTables.h>
 #include <KWBase/KWUnitController.h>
 #include <KWFoundation/KWBundle.h>
+#include <KWFoundation/KWNotificationCenter.h>
 
 #include <array>
 #include <span>
+#include <utility>
 
 namespace {
 
@@ -172,6 +174,20 @@ const KWClass& KWUnitController::classObject() {
     static constinit KWClass theClass{"KWUnitController", &KWObject::classObject, 0,
                                       KWClass::make<KWUnitController>};
     return theClass;
+}
+
+void KWUnitController::setDefaultLengthUnit(std::int32_t unit) {
+    setDefaultUnit(_defaultLengthUnit, unit);
+}
+
+void KWUnitController::setDefaultAngleUnit(std::int32_t unit) {
+    setDefaultUnit(_defaultAngleUnit, unit);
+}
+
+void KWUnitController::setDefaultUnit(std::int32_t& field, std::int32_t unit) {
+    if (std::exchange(field, unit) != unit)
+        KWNotificationCenter::defaultCenter().postNotificationNameObject(
+            KWUnitControllerDefaultUnitDidChangeNotification, this);
 }
 
 float KWUnitController::convertLengthFromUnitToUnit(float value, std::int32_t from,

@@ -24,6 +24,11 @@ enum : std::int32_t {
     KWAngleUnitGrade = 2, ///< 200 to the half turn
 };
 
+/// Posted by a unit controller, with itself as object, after one of its default units has become
+/// another: what is shown in the user's unit is out of date.
+inline constexpr std::string_view KWUnitControllerDefaultUnitDidChangeNotification =
+    "KWUnitControllerDefaultUnitDidChangeNotification";
+
 /// Converts between the units that people pick and the internal ones, meter and radian, and knows
 /// the units' names. One default unit of each kind stands for what the user wants to see.
 class KW_EXPORT KWUnitController : public KWObject {
@@ -38,11 +43,12 @@ class KW_EXPORT KWUnitController : public KWObject {
     static const KWClass& classObject();
     const KWClass& isa() const override { return classObject(); }
 
-    // Codes are not checked; see the conversions for what an unknown one gives.
+    // Codes are not checked; see the conversions for what an unknown one gives. A unit that is
+    // another than before is told of by KWUnitControllerDefaultUnitDidChangeNotification.
     std::int32_t defaultLengthUnit() const { return _defaultLengthUnit; }
-    void setDefaultLengthUnit(std::int32_t unit) { _defaultLengthUnit = unit; }
+    void setDefaultLengthUnit(std::int32_t unit);
     std::int32_t defaultAngleUnit() const { return _defaultAngleUnit; }
-    void setDefaultAngleUnit(std::int32_t unit) { _defaultAngleUnit = unit; }
+    void setDefaultAngleUnit(std::int32_t unit);
 
     /// In double, rounded once at the end. An unknown target gives 0; an unknown source counts as a
     /// length of 0.
@@ -75,6 +81,8 @@ class KW_EXPORT KWUnitController : public KWObject {
     std::int32_t angleUnitFromString(std::string_view name) const;
 
   private:
+    void setDefaultUnit(std::int32_t& field, std::int32_t unit);
+
     std::int32_t _defaultLengthUnit = KWLengthUnitMeter;
     std::int32_t _defaultAngleUnit = KWAngleUnitDegree;
 };

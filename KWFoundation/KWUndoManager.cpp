@@ -70,7 +70,7 @@ void KWUndoManager::registerUndo(std::weak_ptr<KWObject> target, Action action,
     } else {
         Step step;
         step.entries.push_back(std::move(entry));
-        _undo.push_back(std::move(step));
+        pushNew(std::move(step));
     }
     Stack forgotten;
     forgotten.swap(_redo);
@@ -83,12 +83,14 @@ void KWUndoManager::removeAllActionsWithTarget(const KWObject& target) {
     _open.entries.takeThoseOf(target, taken);
     _running.entries.takeThoseOf(target, taken);
     const std::size_t unseen = taken.size();
+    const std::uint64_t current = stateIdentifier();
     for (Stack* stack : {&_undo, &_redo}) {
         for (Step& step : *stack)
             step.entries.takeThoseOf(target, taken);
         std::erase_if(*stack, [](const Step& step) { return step.entries.empty(); });
     }
     const bool changes = taken.size() > unseen;
+    setStateIdentifier(current);
     const auto self = weak_from_this().lock();
     taken.clear();
     if (changes)
@@ -98,6 +100,7 @@ void KWUndoManager::removeAllActionsWithTarget(const KWObject& target) {
 void KWUndoManager::removeAllActions() {
     Stack undo;
     Stack redo;
+    _firstState = stateIdentifier();
     undo.swap(_undo);
     redo.swap(_redo);
     Entries running = std::exchange(_running.entries, Entries());
@@ -125,8 +128,21 @@ void KWUndoManager::endUndoGrouping() {
     Step step = std::exchange(_open, Step());
     if (!step.entries.isAlive())
         return;
-    _undo.push_back(std::move(step));
+    pushNew(std::move(step));
     didChange();
+}
+
+void KWUndoManager::pushNew(Step step) {
+    step.state = ++_lastState;
+    _undo.push_back(std::move(step));
+}
+
+std::uint64_t KWUndoManager::stateIdentifier() const {
+    return _undo.empty() ? _firstState : _undo.back().state;
+}
+
+void KWUndoManager::setStateIdentifier(std::uint64_t state) {
+    (_undo.empty() ? _firstState : _undo.back().state) = state;
 }
 
 bool KWUndoManager::canRun(const Stack& stack) const {
@@ -172,6 +188,7 @@ void KWUndoManager::run(Stack& from, Stack& to, State state) {
     } catch (...) {
         const Step lost = std::exchange(_running, Step());
         const Step lostInverse = finishRunning();
+        setStateIdentifier(++_lastState); // nobody has been here before
         try {
             didChange();
         } catch (...) {
@@ -180,9 +197,11 @@ void KWUndoManager::run(Stack& from, Stack& to, State state) {
         throw;
     }
     std::string name = std::move(_running.name);
+    const std::uint64_t reached = _running.state;
     _running = Step();
     Step inverse = finishRunning();
     inverse.name = std::move(name);
+    inverse.state = reached;
     if (!inverse.entries.empty())
         to.push_back(std::move(inverse));
     dead.clear();

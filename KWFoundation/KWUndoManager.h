@@ -4,6 +4,7 @@
 #include <KWFoundation/KWFirstException.h>
 #include <KWFoundation/KWObject.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -72,6 +73,12 @@ class KW_EXPORT KWUndoManager : public KWObject {
     std::string undoActionName() const;
     std::string redoActionName() const;
 
+    /// Names the state that the steps have led to: each new step leads to a number not used before,
+    /// undo and redo bring numbers back. A document that remembers the one it was saved at knows
+    /// when it is there again. A step counts once its group is closed; edits that register nothing
+    /// are not seen.
+    std::uint64_t stateIdentifier() const;
+
   private:
     struct Entry {
         std::weak_ptr<KWObject> target;
@@ -93,6 +100,7 @@ class KW_EXPORT KWUndoManager : public KWObject {
     struct Step {
         Entries entries;
         std::string name;
+        std::uint64_t state = 0; ///< where it leads to when it is made or redone
     };
     using Stack = std::vector<Step>;
     enum class State { idle, undoing, redoing };
@@ -102,6 +110,8 @@ class KW_EXPORT KWUndoManager : public KWObject {
     void run(Stack& from, Stack& to, State state);
     void runEntries();
     Step finishRunning();
+    void pushNew(Step step);
+    void setStateIdentifier(std::uint64_t state);
     void didChange();
 
     Stack _undo;
@@ -110,4 +120,6 @@ class KW_EXPORT KWUndoManager : public KWObject {
     Step _running; ///< what is left of the step under way
     int _level = 0;
     State _state = State::idle;
+    std::uint64_t _firstState = 0; ///< the one with nothing to undo
+    std::uint64_t _lastState = 0;  ///< the latest number given
 };

@@ -4,13 +4,17 @@
 kw_build_packages=(
     cmake ninja-build g++ pkg-config
     libexpat1-dev libhwy-dev libcli11-dev nlohmann-json3-dev
-    qt6-base-dev qt6-svg-dev
+    qt6-base-dev qt6-svg-dev qt6-tools-dev
+    libavformat-dev libavcodec-dev libavutil-dev libswscale-dev # movies
+    libgl1-mesa-dev libglu1-mesa-dev                            # the image viewer
     qt6-image-formats-plugins fonts-dejavu-core # for the views, when they run
 )
 # What the tests, the benchmarks and the fuzzers need besides.
 kw_test_packages=(
     libgtest-dev libbenchmark-dev libplist-dev python3 locales
     clang libclang-rt-14-dev # for the fuzzers
+    ffmpeg                   # makes the movies of the tests
+    xvfb xauth libgl1-mesa-dri # OpenGL with no screen
 )
 
 # kw_take_no_words TEXT WORD...: shows the text for --help, and refuses any other word.

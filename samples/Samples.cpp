@@ -52,6 +52,10 @@ std::shared_ptr<KWElement> ball() {
                       {{0, 0}, {0.62F, 0.08F, {.tension = 0, .bias = 0.5F, .continuity = -0.5F}}}),
             KWUnitTypeAngle, 2),
         "Shape");
+    ball->setAttributes({{"content", "shape:ball"},
+                         {"color", "#e5484d"},
+                         {"color 2", "#2f7fd6"},
+                         {"shadow", "0.62"}});
     return ball;
 }
 
@@ -65,6 +69,14 @@ std::shared_ptr<KWElement> camera() {
             "pan", KWKeyFrameModeHermite, KWRepeatModeNone,
             {{0, -0.2F}, {4, 0.15F, {.tension = 0.5F, .bias = 0, .continuity = 0}}, {10, 0.2F}}),
         KWUnitTypeAngle, 3));
+    camera->setAttributes({{"stage", "1280x720"},
+                           {"scale", "270"},
+                           {"rate", "25"},
+                           {"to", "6"},
+                           {"backdrop", "room"},
+                           {"color", "#cfdcea"},
+                           {"color 2", "#f3ead9"},
+                           {"floor", "#b98d63"}});
     return camera;
 }
 

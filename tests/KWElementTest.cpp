@@ -1,13 +1,16 @@
+#include <KWBase/KWAlgebricChannel.h>
 #include <KWBase/KWConstantChannel.h>
 #include <KWBase/KWKeyFramedChannel.h>
 #include <KWFoundation/KWKeyedArchiver.h>
 #include <KWFoundation/KWKeyedUnarchiver.h>
+#include <KWFoundation/KWNotificationCenter.h>
 
 #include <apps/common/KWElement.h>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <type_traits>
+#include <vector>
 
 static_assert(std::is_final_v<KWElement>);
 
@@ -155,6 +158,67 @@ TEST(KWElement, UndoPutsTheOldChannelBackAndRedoTheNewOne) {
     EXPECT_EQ(lamp.red->owner(), nullptr);
     EXPECT_TRUE(lamp.undo->canUndo());
     EXPECT_FALSE(lamp.undo->canRedo());
+}
+
+TEST(KWElement, ReplacedThreeTimesUndoneThreeTimesAndRedoneThreeTimes) {
+    Lamp lamp;
+    const auto group = lamp.red->channelGroup();
+    std::vector<std::shared_ptr<KWChannel>> kinds{lamp.red, std::make_shared<KWKeyFramedChannel>(),
+                                                  std::make_shared<KWAlgebricChannel>(),
+                                                  std::make_shared<KWConstantChannel>()};
+    const auto expectInPlace = [&](std::size_t which) {
+        for (std::size_t k = 0; k < kinds.size(); ++k)
+            EXPECT_EQ(kinds[k]->owner(), k == which ? lamp.element.get() : nullptr) << k;
+        EXPECT_EQ(group->channels()->front(), kinds[which]);
+        EXPECT_EQ(kinds[which]->channelGroup(), group);
+        EXPECT_EQ(kinds[which]->name(), "red");
+        EXPECT_EQ(kinds[which]->channelColorIndex(), 3);
+    };
+    lamp.red->setChannelColorIndex(3);
+    for (std::size_t k = 1; k < kinds.size(); ++k) {
+        ASSERT_TRUE(lamp.element->replaceChannelWith(kinds[k - 1], kinds[k]));
+        expectInPlace(k);
+    }
+    for (std::size_t k = kinds.size() - 1; k > 0; --k) {
+        lamp.undo->undo();
+        expectInPlace(k - 1);
+    }
+    EXPECT_FALSE(lamp.undo->canUndo());
+    for (std::size_t k = 1; k < kinds.size(); ++k) {
+        lamp.undo->redo();
+        expectInPlace(k);
+    }
+    EXPECT_FALSE(lamp.undo->canRedo());
+}
+
+TEST(KWElement, TellsOfEachChangeOfItsChannels) {
+    Lamp lamp;
+    int told = 0;
+    const auto token = KWNotificationCenter::defaultCenter().addObserver(
+        KWElementChannelsDidChangeNotification, lamp.element.get(),
+        [&](const KWNotification&) { ++told; });
+    auto fresh = constant("fresh");
+    lamp.element->replaceChannelWith(lamp.red, fresh);
+    EXPECT_EQ(told, 1);
+    lamp.undo->undo();
+    EXPECT_EQ(told, 2);
+    lamp.element->addChannelToGroupNamed(constant("more"));
+    EXPECT_EQ(told, 3);
+    EXPECT_FALSE(lamp.element->replaceChannelWith(fresh, constant("new")));
+    EXPECT_EQ(told, 3);
+    lamp.element->setChannelArray(nullptr);
+    EXPECT_EQ(told, 4);
+}
+
+TEST(KWElement, AReplacementIsDoneAndUndoableWhateverItsObserversThrow) {
+    Lamp lamp;
+    auto fresh = constant("fresh");
+    const auto token = KWNotificationCenter::defaultCenter().addObserver(
+        KWElementChannelsDidChangeNotification, lamp.element.get(),
+        [&](const KWNotification&) { throw std::runtime_error("unwilling"); });
+    EXPECT_THROW(lamp.element->replaceChannelWith(lamp.red, fresh), std::runtime_error);
+    EXPECT_EQ(fresh->owner(), lamp.element.get());
+    EXPECT_TRUE(lamp.undo->canUndo());
 }
 
 TEST(KWElement, WithUndoMustLiveInASharedPointer) {

@@ -101,6 +101,7 @@ class Search {
         findCarriedTexts();
         searchGraph();
         searchElements();
+        searchAttributes();
         std::unordered_set<const KWChannel*> placed;
         for (const KWDocument::Place& place : _document.channels()) {
             searchChannel(place);
@@ -196,6 +197,19 @@ class Search {
         if (_isSequential && minusZeros > 0)
             _found.losses.push_back(counted(minusZeros, "number", "numbers") +
                                     " -0 outside channels: a sequential archive has no sign of 0");
+    }
+
+    void searchAttributes() {
+        if (!_isSequential || version(KWElement::classObject()) >= 2)
+            return;
+        for (const KWDocument::Element& element : _document.elements()) {
+            const auto* const ours = dynamic_cast<const KWElement*>(element.object.get());
+            if (ours && !ours->attributes().empty())
+                lose(element.name.empty() ? element.className : element.name,
+                     "its " + counted(ours->attributes().size(), "attribute", "attributes") +
+                         ": an element of version " +
+                         std::to_string(version(KWElement::classObject())) + " has none");
+        }
     }
 
     void searchElements() {

@@ -8,6 +8,7 @@
 #include <apps/common/KWPropertyListCopy.h>
 
 #include <algorithm>
+#include <limits>
 #include <unordered_set>
 
 namespace {
@@ -225,18 +226,47 @@ void KWDocument::addHolder(const std::shared_ptr<KWObject>& object) {
 }
 
 void KWDocument::addElement(const std::shared_ptr<KWElement>& element) {
-    if (!element)
-        throw std::invalid_argument("an element to add must not be null");
-    Top* root = nullptr;
+    insertElement(element, std::numeric_limits<std::size_t>::max());
+}
+
+const KWArchiveArray* KWDocument::elementList() const {
+    const KWArchiveArray* list = nullptr;
+    for (const Top& top : _tops)
+        if (top.key == "root" && top.value.array())
+            list = top.value.array();
+    return list;
+}
+
+void KWDocument::setElementList(std::vector<KWArchiveValue> list) {
     for (Top& top : _tops)
         if (top.key == "root" && top.value.array())
-            root = &top;
-    if (!root)
-        throw std::logic_error("the document's root is not a list");
-    std::vector<KWArchiveValue> list = root->value.array()->elements;
-    list.emplace_back(element);
-    root->value = arrayLike(*root->value.array(), std::move(list));
+            top.value = arrayLike(*top.value.array(), std::move(list));
     findElements();
+}
+
+void KWDocument::insertElement(const std::shared_ptr<KWElement>& element, std::size_t index) {
+    if (!element)
+        throw std::invalid_argument("an element to add must not be null");
+    if (!elementList())
+        throw std::logic_error("the document's root is not a list");
+    std::vector<KWArchiveValue> list = elementList()->elements;
+    list.emplace(list.begin() + static_cast<std::ptrdiff_t>(std::min(index, list.size())), element);
+    setElementList(std::move(list));
+}
+
+std::size_t KWDocument::removeElement(const std::shared_ptr<KWElement>& element) {
+    if (!elementList() || !element)
+        return KWNotFound;
+    std::vector<KWArchiveValue> list = elementList()->elements;
+    const auto found =
+        std::find_if(list.begin(), list.end(),
+                     [&element](const KWArchiveValue& value) { return value.object() == element; });
+    if (found == list.end())
+        return KWNotFound;
+    const auto index = static_cast<std::size_t>(found - list.begin());
+    list.erase(found);
+    setElementList(std::move(list));
+    return index;
 }
 
 bool KWDocument::replaceChannel(const Place& place, const std::shared_ptr<KWChannel>& channel) {

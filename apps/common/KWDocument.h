@@ -96,6 +96,15 @@ class KWDocument {
     /// document whose root is not a list.
     void addElement(const std::shared_ptr<KWElement>& element);
 
+    /// Whether the root is a list, which elements can be added to.
+    bool takesElements() const { return elementList() != nullptr; }
+    /// Puts the element before the one at `index` of the list of elements, or at its end when there
+    /// are not as many. As addElement() otherwise.
+    void insertElement(const std::shared_ptr<KWElement>& element, std::size_t index);
+    /// Takes the element out of the list, and answers where it stood there; KWNotFound, and nothing
+    /// changed, when it is not in it.
+    std::size_t removeElement(const std::shared_ptr<KWElement>& element);
+
     /// The manager of every KWElement of this document.
     const std::shared_ptr<KWUndoManager>& undoManager() const { return _undoManager; }
 
@@ -157,6 +166,8 @@ class KWDocument {
     void findElements();
     void collect(const KWArchiveValue& root);
     void addHolder(const std::shared_ptr<KWObject>& object);
+    const KWArchiveArray* elementList() const;
+    void setElementList(std::vector<KWArchiveValue> list);
     /// At the top, or in a list there.
     bool replaceRoot(const std::shared_ptr<KWChannel>& oldChannel,
                      const std::shared_ptr<KWChannel>& newChannel);

@@ -5,6 +5,8 @@
 #include <apps/common/KWGraphWalk.h>
 #include <apps/common/KWStreamValue.h>
 
+#include <algorithm>
+
 // Documents in the sequential form.
 
 void KWDocument::readStream(std::span<const std::byte> bytes) {
@@ -50,6 +52,13 @@ KWClassVersions KWDocument::writtenVersions(const KWClassVersions& wanted) const
                             " of the class \"" + name + "\", so it cannot be written as version " +
                             std::to_string(other->second));
     }
+    const bool hasAttributes =
+        std::any_of(_elements.begin(), _elements.end(), [](const Element& each) {
+            const auto* const ours = dynamic_cast<const KWElement*>(each.object.get());
+            return ours && !ours->attributes().empty();
+        });
+    if (hasAttributes)
+        versions.try_emplace("KWElement", 2);
     return versions;
 }
 

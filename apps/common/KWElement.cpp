@@ -1,6 +1,7 @@
 #include <KWBase/KWAlgebricChannel.h>
 #include <KWFoundation/KWCoder.h>
 #include <KWFoundation/KWLog.h>
+#include <KWFoundation/KWNotificationCenter.h>
 
 #include <apps/common/KWElement.h>
 
@@ -8,6 +9,16 @@
 #include <stdexcept>
 
 namespace {
+
+// Keys and texts together. Telling apart as many keys still takes no time worth mentioning.
+constexpr std::size_t largestAttributeCount = 512;
+
+/// The version of our class in an archive. Whoever writes one need not have registered the class.
+std::int64_t versionIn(const KWCoder& coder) {
+    const KWClass& ours = KWElement::classObject();
+    const std::int64_t version = coder.versionForClassName(ours.name());
+    return version == KWNotFound ? ours.version() : version;
+}
 
 bool holdsChannel(const KWChannelArray& array, const std::shared_ptr<KWChannel>& channel) {
     const KWChannelList all = array.channelEnumerator();
@@ -43,6 +54,7 @@ void KWElement::setChannelArray(const std::shared_ptr<KWChannelArray>& array) {
     _channelArray = array;
     if (_channelArray)
         _channelArray->setChannelsOwner(this);
+    postChannelsDidChange();
 }
 
 void KWElement::addChannelToGroupNamed(const std::shared_ptr<KWChannel>& channel,
@@ -56,6 +68,13 @@ void KWElement::addChannelToGroupNamed(const std::shared_ptr<KWChannel>& channel
     _channelArray->addChannelToGroup(
         channel, group.empty() ? KWUngroupedChannels : _channelArray->indexOfGroupNamed(group));
     channel->setOwner(this);
+    postChannelsDidChange();
+}
+
+void KWElement::postChannelsDidChange() {
+    if (!weak_from_this().expired())
+        KWNotificationCenter::defaultCenter().postNotificationNameObject(
+            KWElementChannelsDidChangeNotification, this);
 }
 
 bool KWElement::replaceChannelWith(const std::shared_ptr<KWChannel>& oldChannel,
@@ -74,12 +93,15 @@ bool KWElement::replaceChannelWith(const std::shared_ptr<KWChannel>& oldChannel,
     newChannel->setName(oldChannel->name());
     newChannel->setChannelColorIndex(oldChannel->channelColorIndex());
     newChannel->setUnitType(oldChannel->unitType());
-    newChannel->invalidate();
 
+    KWFirstException raised;
     if (undo)
-        undo->registerUndo(weak_from_this(), [this, oldChannel, newChannel] {
-            replaceChannelWith(newChannel, oldChannel);
-        });
+        undo->registerUndo(
+            weak_from_this(),
+            [this, oldChannel, newChannel] { replaceChannelWith(newChannel, oldChannel); }, raised);
+    raised.during([&newChannel] { newChannel->invalidate(); });
+    raised.during([this] { postChannelsDidChange(); });
+    raised.rethrow();
     return true;
 }
 
@@ -92,11 +114,13 @@ void KWElement::encodeWithCoder(KWCoder& coder) const {
             _channelArray ? expressionTexts(_channelArray->channelEnumerator()) : nullptr;
         if (!texts.isNil())
             coder.encodeObjectForKey(texts, "expressionTexts");
+        if (!_attributes.empty())
+            coder.encodeObjectForKey(archivedAttributes(), "attributes");
         return;
     }
     coder.encodeObject(_name);
     coder.encodeObject(_channelArray);
-    if (coder.versionForClassName(classObject().name()) < 1)
+    if (versionIn(coder) < 1)
         return;
     KWChannelList channels;
     if (_channelArray)
@@ -106,6 +130,8 @@ void KWElement::encodeWithCoder(KWCoder& coder) const {
         channels = _channelArray->ungroupedChannels() ? *_channelArray->ungroupedChannels()
                                                       : KWChannelList();
     coder.encodeObject(expressionTexts(channels));
+    if (versionIn(coder) >= 2)
+        coder.encodeObject(archivedAttributes());
 }
 
 bool KWElement::initWithCoder(KWCoder& coder) {
@@ -115,11 +141,14 @@ bool KWElement::initWithCoder(KWCoder& coder) {
         _name = coder.decodeStringForKey("name").value_or(std::string());
         _channelArray = coder.decodeObjectOfClassForKey<KWChannelArray>("channelArray");
         takeArchivedTexts(coder.decodeObjectForKey("expressionTexts"));
+        takeArchivedAttributes(coder.decodeObjectForKey("attributes"));
     } else {
         _name = coder.decodeString("name").value_or(std::string());
         _channelArray = coder.decodeObjectOfClass<KWChannelArray>("channelArray");
-        if (coder.versionForClassName(classObject().name()) >= 1)
+        if (versionIn(coder) >= 1)
             takeArchivedTexts(coder.decodeObject());
+        if (versionIn(coder) >= 2)
+            takeArchivedAttributes(coder.decodeObject());
     }
     if (_channelArray)
         _channelArray->setChannelsOwner(this);
@@ -128,6 +157,60 @@ bool KWElement::initWithCoder(KWCoder& coder) {
             coder.spendMemory(KWAlgebricInterpreter::memoryForText(text.string()->text));
     restoreExpressionTexts(false);
     return true;
+}
+
+void KWElement::setAttributes(const Attributes& attributes) {
+    Attributes taken;
+    for (const auto& each : attributes)
+        if (!each.first.empty() && std::none_of(taken.begin(), taken.end(), [&](const auto& other) {
+                return other.first == each.first;
+            }))
+            taken.push_back(each);
+    _attributes = std::move(taken);
+}
+
+const std::string& KWElement::attribute(std::string_view key) const {
+    static const std::string nothing;
+    for (const auto& [name, text] : _attributes)
+        if (name == key)
+            return text;
+    return nothing;
+}
+
+void KWElement::setAttribute(const std::string& key, const std::string& text) {
+    const auto found = std::find_if(_attributes.begin(), _attributes.end(),
+                                    [&key](const auto& each) { return each.first == key; });
+    if (text.empty() && found != _attributes.end())
+        _attributes.erase(found);
+    else if (found != _attributes.end())
+        found->second = text;
+    else if (!text.empty() && !key.empty())
+        _attributes.emplace_back(key, text);
+}
+
+KWArchiveValue KWElement::archivedAttributes() const {
+    std::vector<KWArchiveValue> list;
+    for (const auto& [key, text] : _attributes) {
+        list.emplace_back(key);
+        list.emplace_back(text);
+    }
+    return KWArchiveValue::mutableArray(std::move(list));
+}
+
+/// A list of anything else than keys and texts in turn counts as none.
+void KWElement::takeArchivedAttributes(const KWArchiveValue& value) {
+    const KWArchiveArray* const list = value.array();
+    if (!list || list->elements.size() % 2 != 0 || list->elements.size() > largestAttributeCount)
+        return;
+    Attributes attributes;
+    for (std::size_t k = 0; k < list->elements.size(); k += 2) {
+        const KWArchiveString* const key = list->elements[k].string();
+        const KWArchiveString* const text = list->elements[k + 1].string();
+        if (!key || !text)
+            return;
+        attributes.emplace_back(key->text, text->text);
+    }
+    setAttributes(attributes);
 }
 
 KWArchiveValue KWElement::expressionTexts(const KWChannelList& channels) const {

@@ -7,19 +7,31 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 class KWAlgebricChannel;
+
+/// Posted by an element, with itself as object, when channels or groups of it have come, gone, or
+/// taken another's place: outlines reload. Only an element in a std::shared_ptr posts it.
+inline constexpr std::string_view KWElementChannelsDidChangeNotification =
+    "KWElementChannelsDidChangeNotification";
 
 /// A named thing with channels, the unit of which our documents are lists. It owns its channels:
 /// their edits register with its undo manager, and a channel is replaced through it.
 ///
-/// Archived as class "KWElement", version 1, with its name, its channel array, and the texts of the
-/// array's algebraic channels as they were typed, of which an archive of the channels alone keeps
-/// less or nothing: keys "name", "channelArray" and, where there are such channels,
+/// Archived as class "KWElement", version 1 or 2, with its name, its channel array, and the texts
+/// of the array's algebraic channels as they were typed, of which an archive of the channels alone
+/// keeps less or nothing: keys "name", "channelArray" and, where there are such channels,
 /// "expressionTexts", a list of one text for each of them in the order of channelEnumerator(), ""
 /// for one without. Version 0 has no texts.
+///
+/// Attributes are written under the key "attributes", a list of keys and texts in turn, where there
+/// are any. In a sequential archive they take version 2, which
+/// a KWDocument asks for where an element has some; readers of version 1 pass over them.
 class KWElement final : public KWChannelElement, public KWChannelOwner {
   public:
     /// With an empty channel array.
@@ -32,6 +44,18 @@ class KWElement final : public KWChannelElement, public KWChannelOwner {
     /// A nil name, as an archive may hold, reads as "".
     std::string name() const override { return _name; }
     void setName(std::string name) { _name = std::move(name); }
+
+    /// What else is said of the element, keys and texts in the order they were set, such as the
+    /// picture that a sprite shows. Keys that a program does not know are kept. Keys are not empty
+    /// and differ.
+    using Attributes = std::vector<std::pair<std::string, std::string>>;
+    const Attributes& attributes() const { return _attributes; }
+    /// Of equal keys the first counts; empty ones are left out.
+    void setAttributes(const Attributes& attributes);
+    /// "" where there is none of that key.
+    const std::string& attribute(std::string_view key) const;
+    /// In place of the text of that key, or behind the others; "" takes the key away.
+    void setAttribute(const std::string& key, const std::string& text);
 
     /// Null when an archive had none.
     std::shared_ptr<KWChannelArray> channelArray() const override { return _channelArray; }
@@ -51,7 +75,8 @@ class KWElement final : public KWChannelElement, public KWChannelOwner {
     /// Puts `newChannel` where `oldChannel` is in the channel array. The new one takes over owner,
     /// name, colour index and unit type; the old one is left without an owner. Putting it back is
     /// registered with the undo manager, for which the element must live in a std::shared_ptr
-    /// (std::logic_error).
+    /// (std::logic_error). What observers throw keeps none of that from being done; the first such
+    /// exception is rethrown at the end.
     ///
     /// False, and nothing changed, without an array, when the old channel is not this element's,
     /// when either is null or they are the same, or when the new one has an owner already.
@@ -70,12 +95,17 @@ class KWElement final : public KWChannelElement, public KWChannelOwner {
     void finishExpressionTexts();
 
   private:
+    void postChannelsDidChange();
     void takeArchivedTexts(const KWArchiveValue& value);
     KWArchiveValue expressionTexts(const KWChannelList& channels) const;
     void restoreExpressionTexts(bool isLogging);
     std::string restoreText(const KWAlgebricChannel& channel, const std::string& text);
 
+    void takeArchivedAttributes(const KWArchiveValue& value);
+    KWArchiveValue archivedAttributes() const;
+
     std::string _name;
+    Attributes _attributes;
     std::shared_ptr<KWChannelArray> _channelArray;
     std::weak_ptr<KWUndoManager> _undoManager;
     /// A list of strings, until all of the archive is read; or something else that is no such list.

@@ -1,16 +1,13 @@
 #include <KWBase/KWAlgebricChannel.h>
 #include <KWBase/KWUnitController.h>
-#include <KWFoundation/KWException.h>
-#include <KWFoundation/KWText.h>
 
+#include <apps/common/Errors.h>
+#include <apps/common/Output.h>
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Channels.h>
-#include <apps/kwchannel/Errors.h>
-#include <apps/kwchannel/Output.h>
-#include <apps/kwchannel/Text.h>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 namespace {
 
@@ -42,14 +39,6 @@ std::int32_t codeOf(std::span<const UnitNames> units, std::string_view name) {
         if (std::find(unit.names.begin(), unit.names.end(), name) != unit.names.end())
             return unit.code;
     return noUnit;
-}
-
-void checkCount(double steps, const std::string& option, double value) {
-    // Beyond this the steps are no longer told apart.
-    constexpr std::int64_t largest = 9'000'000'000'000'000;
-    if (!(steps < static_cast<double>(largest)))
-        throw UseError(option + " " + KWExactStringFromDouble(value) +
-                       " over this range gives more than " + std::to_string(largest) + " times");
 }
 
 } // namespace
@@ -168,63 +157,4 @@ std::string unitName(const KWChannel& channel) {
     if (channel.unitType() == KWUnitTypeAngle)
         return nameIn(angleUnits, shared.defaultAngleUnit());
     return {};
-}
-
-void evaluate(const Place& place, std::span<const float> times, std::span<float> values) {
-    try {
-        place.channel->valuesForTimes(times, values);
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception& batchError) {
-        const auto fail = [&place](const std::string& where, const std::exception& error) {
-            throw DataError("channel " + inQuotes(place.path) + " cannot be evaluated" + where +
-                            ": " + error.what());
-        };
-        for (const float time : times) {
-            try {
-                place.channel->valueForTime(KWTime(time));
-            } catch (const std::exception& error) {
-                fail(" at " + floatText(time), error);
-            }
-        }
-        fail("", batchError);
-    }
-    const std::int32_t type = place.channel->unitType();
-    if (type == KWUnitTypeLength || type == KWUnitTypeAngle)
-        for (float& value : values)
-            value = place.channel->convertValueToUserUnit(value);
-}
-
-TimeSteps TimeSteps::atRate(double from, double to, double rate) {
-    if (!(rate > 0))
-        throw UseError("--rate needs a number above 0");
-    if (to < from)
-        throw UseError("--to is before --from");
-    const double steps = (to - from) * rate;
-    checkCount(steps, "--rate", rate);
-    TimeSteps times;
-    times._from = from;
-    times._factor = rate;
-    times._isRate = true;
-    times._count = static_cast<std::uint64_t>(std::floor(steps + 1e-6)) + 1;
-    return times;
-}
-
-TimeSteps TimeSteps::withStep(double from, double to, double step) {
-    if (!(step > 0))
-        throw UseError("--step needs a number above 0");
-    if (to < from)
-        throw UseError("--to is before --from");
-    const double steps = (to - from) / step;
-    checkCount(steps, "--step", step);
-    TimeSteps times;
-    times._from = from;
-    times._factor = step;
-    times._count = static_cast<std::uint64_t>(std::floor(steps + 1e-6)) + 1;
-    return times;
-}
-
-float TimeSteps::time(std::uint64_t k) const {
-    const auto number = static_cast<double>(k);
-    return static_cast<float>(_from + (_isRate ? number / _factor : number * _factor));
 }

@@ -1,13 +1,13 @@
 #include <KWFoundation/KWFile.h>
 #include <KWFoundation/KWPropertyList.h>
 
+#include <apps/common/Errors.h>
 #include <apps/common/KWPropertyListCopy.h>
+#include <apps/common/Output.h>
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Channels.h>
 #include <apps/kwchannel/Commands.h>
-#include <apps/kwchannel/Errors.h>
 #include <apps/kwchannel/Losses.h>
-#include <apps/kwchannel/Output.h>
-#include <apps/kwchannel/Text.h>
 
 #include <charconv>
 
@@ -112,7 +112,7 @@ void addConvertCommand(CLI::App& program) {
     command
         ->add_option("--class-version", arguments->versions,
                      "write classes of a sequential archive as an older program knows them: "
-                     "KWChannel=0 or 1, KWKeyFramedChannel=0, KWChannelArray=0, KWElement=0")
+                     "KWChannel=0 or 1, KWKeyFramedChannel=0, KWChannelArray=0, KWElement=0 or 1")
         ->type_name("NAME=VERSION[,...]")
         ->allow_extra_args(false)
         ->delimiter(',');

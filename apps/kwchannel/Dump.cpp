@@ -1,8 +1,8 @@
 #include <KWFoundation/KWArchiveError.h>
 #include <KWFoundation/KWText.h>
 
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Dump.h>
-#include <apps/kwchannel/Text.h>
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include <KWFoundation/KWPropertyList.h>
 
-#include <apps/kwchannel/Output.h>
+#include <apps/common/Output.h>
 
 #include <string>
 #include <unordered_set>

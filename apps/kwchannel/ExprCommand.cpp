@@ -1,8 +1,8 @@
 #include <KWBase/KWExpressionProgram.h>
 
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Commands.h>
 #include <apps/kwchannel/Expressions.h>
-#include <apps/kwchannel/Text.h>
 #include <apps/kwchannel/TimeOptions.h>
 
 namespace {

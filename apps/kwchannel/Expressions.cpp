@@ -1,5 +1,5 @@
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Expressions.h>
-#include <apps/kwchannel/Text.h>
 
 #include <array>
 

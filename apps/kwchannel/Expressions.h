@@ -2,9 +2,9 @@
 
 #include <KWBase/KWAlgebricInterpreter.h>
 
-#include <apps/kwchannel/Errors.h>
-#include <apps/kwchannel/Json.h>
-#include <apps/kwchannel/Output.h>
+#include <apps/common/Errors.h>
+#include <apps/common/Json.h>
+#include <apps/common/Output.h>
 
 #include <string>
 

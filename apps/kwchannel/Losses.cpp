@@ -1,7 +1,7 @@
-#include <apps/kwchannel/Errors.h>
+#include <apps/common/Errors.h>
+#include <apps/common/Output.h>
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Losses.h>
-#include <apps/kwchannel/Output.h>
-#include <apps/kwchannel/Text.h>
 
 void tellLosses(const KWDocument& document, KWDocument::Form form, const KWClassVersions& versions,
                 bool isLossy, const std::string& outcome, const std::string& advice) {

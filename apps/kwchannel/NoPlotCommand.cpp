@@ -1,5 +1,5 @@
+#include <apps/common/Errors.h>
 #include <apps/kwchannel/Commands.h>
-#include <apps/kwchannel/Errors.h>
 
 /// Where the views are not built.
 void addPlotCommand(CLI::App& program) {

@@ -3,11 +3,11 @@
 #include <KWFoundation/KWArchiveError.h>
 #include <KWFoundation/KWText.h>
 
+#include <apps/common/Errors.h>
+#include <apps/common/Output.h>
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Channels.h>
 #include <apps/kwchannel/Commands.h>
-#include <apps/kwchannel/Errors.h>
-#include <apps/kwchannel/Output.h>
-#include <apps/kwchannel/Text.h>
 
 #include <QApplication>
 #include <QBuffer>

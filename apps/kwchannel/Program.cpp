@@ -1,13 +1,13 @@
 #include <KWFoundation/KWArchiveError.h>
 #include <KWFoundation/KWLog.h>
 
+#include <apps/common/ExitCodes.h>
 #include <apps/common/KWDocument.h>
+#include <apps/common/Output.h>
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Commands.h>
-#include <apps/kwchannel/ExitCodes.h>
 #include <apps/kwchannel/Expressions.h>
 #include <apps/kwchannel/Manual.h>
-#include <apps/kwchannel/Output.h>
-#include <apps/kwchannel/Text.h>
 
 #include <algorithm>
 #include <new>
@@ -184,7 +184,7 @@ void declareProgram(CLI::App& program) {
 }
 
 int runProgram(int argc, char** argv) {
-    setUpProcess();
+    setUpProcess("kwchannel");
     KWSetLogHandler([](std::string_view line) {
         // A document's text may be refused in one place and restored from another; what is without
         // an expression in the end is told of by the commands.

@@ -1,8 +1,8 @@
 #include <KWFoundation/KWText.h>
 #include <KWFoundation/KWUnarchiver.h>
 
+#include <apps/common/Text.h>
 #include <apps/kwchannel/SequentialDump.h>
-#include <apps/kwchannel/Text.h>
 
 #include <algorithm>
 #include <cmath>

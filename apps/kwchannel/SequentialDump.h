@@ -2,7 +2,7 @@
 
 #include <KWFoundation/KWUnknownObject.h>
 
-#include <apps/kwchannel/Output.h>
+#include <apps/common/Output.h>
 
 #include <span>
 #include <string>

@@ -1,10 +1,10 @@
 #include <KWBase/KWAlgebricChannel.h>
 
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Channels.h>
 #include <apps/kwchannel/Commands.h>
 #include <apps/kwchannel/Expressions.h>
 #include <apps/kwchannel/Losses.h>
-#include <apps/kwchannel/Text.h>
 
 namespace {
 

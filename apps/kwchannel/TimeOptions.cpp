@@ -1,6 +1,6 @@
+#include <apps/common/Errors.h>
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Channels.h>
-#include <apps/kwchannel/Errors.h>
-#include <apps/kwchannel/Text.h>
 #include <apps/kwchannel/TimeOptions.h>
 
 void addTimeOptions(CLI::App& command, TimeArguments& arguments) {

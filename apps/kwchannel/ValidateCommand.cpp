@@ -1,12 +1,12 @@
 #include <KWFoundation/KWFile.h>
 
+#include <apps/common/Errors.h>
+#include <apps/common/Json.h>
 #include <apps/common/KWDocumentCheck.h>
+#include <apps/common/Output.h>
+#include <apps/common/Text.h>
 #include <apps/kwchannel/Channels.h>
 #include <apps/kwchannel/Commands.h>
-#include <apps/kwchannel/Errors.h>
-#include <apps/kwchannel/Json.h>
-#include <apps/kwchannel/Output.h>
-#include <apps/kwchannel/Text.h>
 
 #include <algorithm>
 

@@ -1,4 +1,6 @@
+#include <KWBase/KWChannelEditorController.h>
 #include <KWBase/KWChannelView.h>
+#include <KWBase/KWImageEditorView.h>
 #include <KWBase/KWKeyFramedChannel.h>
 
 #include <QApplication>
@@ -6,7 +8,8 @@
 #include <iostream>
 #include <set>
 
-// A host with Qt: a channel gets into a view through a property, and is seen there.
+// A host with Qt: a channel gets into a view through a property, and is seen there; and the panel
+// is loaded from inside the library.
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
@@ -27,4 +30,14 @@ int main(int argc, char** argv) {
             colors.insert(image.pixel(x, y));
     std::cout << view.primaryChannel()->name() << " in a view of " << image.width() << " x "
               << image.height() << (colors.size() > 3 ? "" : ", which is empty") << '\n';
+    KWChannelEditorController editor;
+    std::cout << (editor.loadInterface()
+                      ? "the panel is called " +
+                            editor.channelEditorPanel()->windowTitle().toStdString()
+                      : editor.interfaceError().toStdString())
+              << '\n';
+    KWImageEditorView viewer;
+    QString error;
+    if (!KWImageEditorView::isOpenGLAvailable() && !KWMovie::movieWithFile("none.mp4", &error))
+        std::cout << error.toStdString() << '\n';
 }

@@ -28,9 +28,13 @@ FLOORS = [
      "KWChannelColorCell", "KWChannelViewDelegate", "KWChannelViewGeometry", "KWChannelView",
      "KWChannelViewBindings", "KWChannelViewDrawing", "KWChannelViewEditing", "KWChannelViewGesture", "KWChannelViewGestures",
      "KWKeyMove",
-     "KWChannelViewKeys", "KWImageBackground", "KWBackgroundView", "KWLayoutView", "KWStackedView", "KWStackedLabelView",
-     "KWImageEditorView"],
-    ["KWChannelEditorController", "KWEmbeddedChannelController"],
+     "KWChannelViewKeys", "KWLayoutArithmetic", "KWImageBackground", "KWBackgroundView", "KWLayoutRecords",
+     "KWHeldViews", "KWLayoutView", "KWStackedView", "KWStackedLabelView",
+     "KWImageEditorViewGeometry", "KWOpenGLProbe", "KWImageTextures", "KWImageEditorView",
+     "KWImageEditorSurface", "KWImageEditorViewDrawing", "KWImageEditorViewGestures"],
+    ["KWInterfaceFile", "KWPanelControls"],
+    ["KWChannelEditorController", "KWChannelEditorActions", "KWChannelEditorOutlets",
+     "KWChannelEditorOutline", "KWChannelEditorPasteboard", "KWChannelEditorUpdates", "KWEmbeddedChannelController"],
     ["apps"],
 ]
 FLOOR_OF = {name: floor for floor, names in enumerate(FLOORS) for name in names}

@@ -41,7 +41,7 @@ class Output {
 /// Writes one text to standard output.
 void print(std::string_view text);
 
-/// Puts one line on standard error: "kwchannel: " and the text.
+/// Puts one line on standard error: the program, ": " and the text.
 void complain(std::string_view text);
 
 /// Puts lines on standard error as they are.
@@ -50,4 +50,6 @@ void showOnStandardError(std::string_view text);
 /// Makes interruptions end the program with exit code 130, a line on standard error and no
 /// temporary file left, broken pipes an error of writing, and standard streams that came closed an
 /// error when they are used.
-void setUpProcess();
+///
+/// `programName` begins what is said on standard error.
+void setUpProcess(std::string_view programName);

@@ -1,9 +1,9 @@
 #include <KWFoundation/KWArchiveError.h>
 
-#include <apps/kwchannel/Errors.h>
-#include <apps/kwchannel/ExitCodes.h>
-#include <apps/kwchannel/Output.h>
-#include <apps/kwchannel/Text.h>
+#include <apps/common/Errors.h>
+#include <apps/common/ExitCodes.h>
+#include <apps/common/Output.h>
+#include <apps/common/Text.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,7 +23,10 @@ constexpr std::size_t blockSize = 1 << 16;
 // touch a string. Written with the signals held back.
 char temporaryFile[4096];
 // What an interruption says, in the same way.
-constexpr std::string_view plainMessage = "kwchannel: interrupted\n";
+std::string program;
+std::string plainMessage() {
+    return program + ": interrupted\n";
+}
 char message[8192];
 std::size_t messageSize = 0;
 volatile std::sig_atomic_t isProgressPossible = 0;
@@ -66,8 +69,7 @@ void setTemporaryFile(const std::string& path) {
 }
 
 void setMessage(std::string_view text) {
-    if (text.size() > sizeof message)
-        text = plainMessage;
+    text = text.substr(0, sizeof message);
     std::memcpy(message, text.data(), text.size());
     messageSize = text.size();
 }
@@ -95,7 +97,7 @@ Output::~Output() {
     if (!_temporary.empty())
         unlink(_temporary.c_str());
     setTemporaryFile({});
-    setMessage(plainMessage);
+    setMessage(plainMessage());
 }
 
 void Output::openFile(const std::string& path) {
@@ -128,7 +130,7 @@ void Output::openFile(const std::string& path) {
     _target = target.string();
     _temporary = name;
     setTemporaryFile(_temporary);
-    setMessage("kwchannel: interrupted; " + printable(path) +
+    setMessage(program + ": interrupted; " + printable(path) +
                (exists ? " is unchanged\n" : " is not written\n"));
     fchmod(_descriptor, exists ? status.st_mode & 07777 : modeOfNewFile());
 }
@@ -168,7 +170,7 @@ void Output::finish() {
         fail(errno);
     _temporary.clear();
     setTemporaryFile({});
-    setMessage(plainMessage);
+    setMessage(plainMessage());
 }
 
 bool Output::isTerminal() const {
@@ -189,7 +191,7 @@ void print(std::string_view text) {
 }
 
 void complain(std::string_view text) {
-    std::string line = "kwchannel: " + std::string(text);
+    std::string line = program + ": " + std::string(text);
     for (char& c : line)
         if (c == '\n')
             c = ' ';
@@ -200,7 +202,8 @@ void showOnStandardError(std::string_view text) {
     [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
 }
 
-void setUpProcess() {
+void setUpProcess(std::string_view programName) {
+    program = programName;
     // A stream that came closed would be the next file opened. Held by one that cannot be used in
     // its place, it fails when it is used.
     const int modes[] = {O_WRONLY, O_RDONLY, O_WRONLY};
@@ -209,7 +212,7 @@ void setUpProcess() {
             const int opened = open("/dev/null", modes[descriptor]);
 
     std::signal(SIGPIPE, SIG_IGN);
-    setMessage(plainMessage);
+    setMessage(plainMessage());
     isProgressPossible = isatty(STDERR_FILENO);
     for (const int number : signalsOfInterruption) {
         struct sigaction action {};

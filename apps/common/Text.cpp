@@ -1,7 +1,7 @@
 #include <KWFoundation/KWText.h>
 
-#include <apps/kwchannel/Errors.h>
-#include <apps/kwchannel/Text.h>
+#include <apps/common/Errors.h>
+#include <apps/common/Text.h>
 
 #include <algorithm>
 #include <cmath>

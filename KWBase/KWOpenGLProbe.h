@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QSurfaceFormat>
+
+/// What the image view asks OpenGL for.
+QSurfaceFormat KWImageSurfaceFormat();
+
+/// Whether a widget that draws with OpenGL 2.1 can be put into a window here. Found out once;
+/// false, and not remembered, as long as there is no application.
+bool KWOpenGLWorks();
