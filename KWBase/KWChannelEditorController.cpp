@@ -241,17 +241,18 @@ void KWChannelEditorController::connectFields() {
     });
 }
 
+// The event's type comes first: a widget in its destructor is no longer what the outlets say.
 bool KWChannelEditorController::eventFilter(QObject* watched, QEvent* event) {
     const bool isKey = event->type() == QEvent::KeyPress;
     const int key = isKey ? static_cast<const QKeyEvent*>(event)->key() : 0;
-    if (watched == _outlets->channelView && event->type() == QEvent::Resize)
+    if (event->type() == QEvent::Resize && watched == _outlets->channelView)
         fitStepCount();
     // A turn of the wheel over it would replace the channel.
-    if (watched == _outlets->channelTypePU && event->type() == QEvent::Wheel) {
+    if (event->type() == QEvent::Wheel && watched == _outlets->channelTypePU) {
         event->ignore();
         return true;
     }
-    if (watched == _outlets->elementOV && key == Qt::Key_Space) {
+    if (key == Qt::Key_Space && watched == _outlets->elementOV) {
         KWRunAction([this] { toggleShowSecondaryChannel(_outlets->elementOV); });
         return true;
     }

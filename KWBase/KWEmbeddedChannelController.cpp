@@ -282,7 +282,8 @@ void KWEmbeddedChannelController::outlineViewWillDisplayCellForTableColumnItem(
 // --- The keyboard.
 
 bool KWEmbeddedChannelController::eventFilter(QObject* object, QEvent* event) {
-    if (object == _channelOV && event->type() == QEvent::KeyPress) {
+    // The type comes first: a widget in its destructor is no tree any more.
+    if (event->type() == QEvent::KeyPress && object == _channelOV) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if ((key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_F2) &&
             editSelectedValue())

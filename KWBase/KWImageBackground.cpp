@@ -43,13 +43,14 @@ void drawSlice(QPainter& painter, const QImage& image, const QRectF& source,
     const QRectF pixels(source.topLeft() * ratio, source.size() * ratio);
     const bool isSharpAcross = source.width() == destination.width() && scale.across != 0;
     const bool isSharpDown = source.height() == destination.height() && scale.down != 0;
-    const QRect whole = pixels.toRect();
+    // What reaches out of the image may lie where no int does.
+    const QRect whole = QRectF(image.rect()).contains(pixels) ? pixels.toRect() : QRect();
     // How long the cell becomes on the device, along the axis on which it is stretched.
     const double length = ratio * (isSharpDown ? destination.width() * scale.across
                                                : destination.height() * scale.down);
     constexpr double longest = 16384;
     if (isSharpAcross == isSharpDown || scale.across == 0 || scale.down == 0 || length > longest ||
-        QRectF(whole) != pixels || !image.rect().contains(whole)) {
+        whole.isEmpty() || QRectF(whole) != pixels) {
         painter.setRenderHint(QPainter::SmoothPixmapTransform, !isSharpAcross || !isSharpDown);
         painter.drawImage(destination, image, pixels);
         return;

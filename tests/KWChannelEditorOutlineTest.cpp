@@ -2,6 +2,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QColor>
+#include <QLabel>
 
 namespace {
 
