@@ -356,11 +356,10 @@ bool KWChannelView::eventFilter(QObject* watched, QEvent* event) {
     bool ends = hasLostMouse();
     // What comes to a window is on its way to a widget.
     if (watched != this && watched->isWidgetType()) {
-        const auto* const mouse = static_cast<const QMouseEvent*>(event);
         if (event->type() == QEvent::MouseButtonRelease)
-            ends = ends || mouse->button() == Qt::LeftButton;
+            ends = ends || static_cast<const QMouseEvent*>(event)->button() == Qt::LeftButton;
         else if (event->type() == QEvent::MouseMove)
-            ends = ends || !(mouse->buttons() & Qt::LeftButton);
+            ends = ends || !(static_cast<const QMouseEvent*>(event)->buttons() & Qt::LeftButton);
     }
     if (!ends)
         return QWidget::eventFilter(watched, event);

@@ -2,7 +2,6 @@
 
 #include <QAbstractItemModelTester>
 #include <QColor>
-#include <QLabel>
 
 namespace {
 
