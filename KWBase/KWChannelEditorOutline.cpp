@@ -98,14 +98,16 @@ QVariant nameOf(const std::shared_ptr<KWObject>& item) {
 }
 
 /// A channel out of order may have no value at all.
-QVariant valueOf(const KWChannel& channel) {
-    std::string text;
+std::string valueTextOf(const KWChannel& channel) {
     try {
-        text = KWStringFromFloat(channel.value());
+        return KWStringFromFloat(channel.value());
     } catch (const std::exception&) {
-        text = "?";
+        return "?";
     }
-    return QVariant::fromValue(attributed(text, KWOutlineTextValue));
+}
+
+QVariant valueOf(const KWChannel& channel) {
+    return QVariant::fromValue(attributed(valueTextOf(channel), KWOutlineTextValue));
 }
 
 } // namespace

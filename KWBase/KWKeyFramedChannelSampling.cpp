@@ -71,10 +71,12 @@ class Sampler {
                 for (std::size_t k = start; k < start + length; ++k)
                     if (values[k] != values[k])
                         ask(times, values, k);
-            // Rising times go on in the next stretch.
-            _segment = std::min(_segment + 1, _last - 1);
             _done = start + length;
-            _isScattered = length < 4 && _index;
+            if (_done < count) {
+                // Rising times go on in the next stretch.
+                _segment = std::min(_segment + 1, _last - 1);
+                _isScattered = length < 4 && _index;
+            }
             if (length != 0)
                 return true;
         }
