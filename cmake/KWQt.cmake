@@ -4,7 +4,7 @@ find_package(Qt6 6.4 QUIET COMPONENTS Core Gui Widgets UiTools)
 if(NOT Qt6_FOUND)
     message(FATAL_ERROR
         "The views of KWBase need Qt 6.4 or later, which was not found. Install it (Debian: "
-        "qt6-base-dev and qt6-tools-dev), name its folder in CMAKE_PREFIX_PATH, or leave the views out: "
+        "qt6-base-dev, libqt6opengl6-dev and qt6-tools-dev), name its folder in CMAKE_PREFIX_PATH, or leave the views out: "
         "cmake --preset headless, or -DKWBASE_VIEWS=OFF.")
 endif()
 
@@ -26,7 +26,7 @@ find_package(Qt6 6.4 QUIET GLOBAL COMPONENTS OpenGLWidgets)
 if(NOT TARGET OpenGL::GL OR NOT TARGET OpenGL::GLU OR NOT TARGET Qt6::OpenGLWidgets)
     message(FATAL_ERROR
         "The image viewer of KWBase needs OpenGL, GLU and Qt's OpenGL widgets, which were not found. "
-        "Install them (Debian: qt6-base-dev libgl1-mesa-dev libglu1-mesa-dev), or leave the views "
+        "Install them (Debian: qt6-base-dev libqt6opengl6-dev libgl1-mesa-dev libglu1-mesa-dev), or leave the views "
         "out: cmake --preset headless, or -DKWBASE_VIEWS=OFF.")
 endif()
 

@@ -4,7 +4,7 @@
 kw_build_packages=(
     cmake ninja-build g++ pkg-config
     libexpat1-dev libhwy-dev libcli11-dev nlohmann-json3-dev
-    qt6-base-dev qt6-svg-dev qt6-tools-dev
+    qt6-base-dev libqt6opengl6-dev qt6-svg-dev qt6-tools-dev
     libavformat-dev libavcodec-dev libavutil-dev libswscale-dev # movies
     libgl1-mesa-dev libglu1-mesa-dev                            # the image viewer
     qt6-image-formats-plugins fonts-dejavu-core # for the views, when they run
