@@ -249,6 +249,23 @@ std::string KWUndoManager::redoActionName() const {
     return canRedo() ? latestAlive(_redo)->name : std::string();
 }
 
+std::vector<std::string> KWUndoManager::namesOf(const Stack& stack) const {
+    std::vector<std::string> names;
+    if (canRun(stack))
+        for (auto step = stack.rbegin(); step != stack.rend(); ++step)
+            if (step->entries.isAlive())
+                names.push_back(step->name);
+    return names;
+}
+
+std::vector<std::string> KWUndoManager::undoActionNames() const {
+    return namesOf(_undo);
+}
+
+std::vector<std::string> KWUndoManager::redoActionNames() const {
+    return namesOf(_redo);
+}
+
 void KWUndoManager::didChange() {
     if (!weak_from_this().expired())
         KWNotificationCenter::defaultCenter().postNotificationNameObject(

@@ -73,6 +73,12 @@ class KW_EXPORT KWUndoManager : public KWObject {
     std::string undoActionName() const;
     std::string redoActionName() const;
 
+    // The names of all steps that can be undone, the latest first, and of those that can be redone,
+    // the next first: what a history shows. Empty while a group is open or a step runs.
+
+    std::vector<std::string> undoActionNames() const;
+    std::vector<std::string> redoActionNames() const;
+
     /// Names the state that the steps have led to: each new step leads to a number not used before,
     /// undo and redo bring numbers back. A document that remembers the one it was saved at knows
     /// when it is there again. A step counts once its group is closed; edits that register nothing
@@ -107,6 +113,7 @@ class KW_EXPORT KWUndoManager : public KWObject {
 
     static const Step* latestAlive(const Stack& stack);
     bool canRun(const Stack& stack) const;
+    std::vector<std::string> namesOf(const Stack& stack) const;
     void run(Stack& from, Stack& to, State state);
     void runEntries();
     Step finishRunning();

@@ -433,3 +433,44 @@ TEST_F(KWUndoManagerTest, RandomEditsUndoAndRedoAsWholeStatesDo) {
         EXPECT_EQ(values(), end);
     }
 }
+
+TEST_F(KWUndoManagerTest, TheHistoryNamesEveryStepInTheOrderItWouldRun) {
+    for (const char* const name : {"first", "second", "third"}) {
+        counter->setValue(counter->value() + 1);
+        manager->setActionName(name);
+    }
+    manager->undo();
+    EXPECT_EQ(manager->undoActionNames(), (std::vector<std::string>{"second", "first"}));
+    EXPECT_EQ(manager->redoActionNames(), (std::vector<std::string>{"third"}));
+    manager->undo();
+    EXPECT_EQ(manager->redoActionNames(), (std::vector<std::string>{"second", "third"}));
+    manager->beginUndoGrouping();
+    EXPECT_TRUE(manager->undoActionNames().empty());
+    EXPECT_TRUE(manager->redoActionNames().empty());
+    manager->endUndoGrouping();
+}
+
+TEST_F(KWUndoManagerTest, StepsWhoseTargetIsGoneAreNotInTheHistory) {
+    auto brief = std::make_shared<KWObject>();
+    manager->registerUndo(brief, [] {});
+    manager->setActionName("gone");
+    counter->setValue(1);
+    manager->setActionName("stays");
+    brief.reset();
+    EXPECT_EQ(manager->undoActionNames(), (std::vector<std::string>{"stays"}));
+}
+
+TEST_F(KWUndoManagerTest, AStateIsFoundAgainByUndoAndRedoAndByNothingElse) {
+    const std::uint64_t fresh = manager->stateIdentifier();
+    counter->setValue(1);
+    const std::uint64_t first = manager->stateIdentifier();
+    EXPECT_NE(first, fresh);
+    manager->undo();
+    EXPECT_EQ(manager->stateIdentifier(), fresh);
+    manager->redo();
+    EXPECT_EQ(manager->stateIdentifier(), first);
+    manager->undo();
+    counter->setValue(1);
+    EXPECT_NE(manager->stateIdentifier(), first);
+    EXPECT_NE(manager->stateIdentifier(), fresh);
+}
