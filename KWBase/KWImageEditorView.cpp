@@ -47,6 +47,10 @@ bool KWImageEditorView::isOpenGLAvailable() {
     return KWOpenGLWorks();
 }
 
+bool KWImageEditorView::isOpenGLAccelerated() {
+    return KWOpenGLIsAccelerated();
+}
+
 void KWImageEditorView::awakeFromNib() {
     setAcceptDrops(true);
 }

@@ -47,6 +47,9 @@ class KW_EXPORT KWImageEditorView : public QWidget {
     /// Whether such views can draw here. It is found out once, by trying; false as long as there is
     /// no application.
     static bool isOpenGLAvailable();
+    /// Whether a graphics processor draws them. Where the main processor does, the window that such
+    /// a view is in is dear to draw, all of it.
+    static bool isOpenGLAccelerated();
 
     /// Called when the view comes out of an interface file: registers it for files that are dropped
     /// on it. To accept them is left to subclasses.

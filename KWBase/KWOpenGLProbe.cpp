@@ -5,23 +5,39 @@
 #include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
+#include <algorithm>
+#include <array>
 
 namespace {
 
-bool tryOut() {
+struct Probe {
+    bool works = false;
+    bool isAccelerated = false;
+};
+
+/// What the renderers call themselves that draw without a graphics processor.
+bool isSoftware(const QByteArray& renderer) {
+    constexpr std::array names{"llvmpipe", "softpipe", "swrast",  "software",    "swiftshader",
+                               "openswr",  "soft gl",  "generic", "basic render"};
+    const QByteArray lowered = renderer.toLower();
+    return std::any_of(names.begin(), names.end(),
+                       [&](const char* name) { return lowered.contains(name); });
+}
+
+Probe tryOut() {
     // On these a window with a widget for OpenGL in it crashes, also where contexts can be had.
     for (const char* const platform : {"offscreen", "minimal", "vnc", "linuxfb"})
         if (QGuiApplication::platformName() == QLatin1String(platform))
-            return false;
+            return {};
     QOpenGLContext context;
     context.setFormat(KWImageSurfaceFormat());
     if (!context.create() || context.isOpenGLES())
-        return false;
+        return {};
     QOffscreenSurface surface;
     surface.setFormat(context.format());
     surface.create();
     if (!surface.isValid() || !context.makeCurrent(&surface))
-        return false;
+        return {};
     const bool isNewEnough = context.format().version() >= qMakePair(2, 1);
     const bool hasRectangles = context.hasExtension("GL_ARB_texture_rectangle") ||
                                context.format().version() >= qMakePair(3, 1);
@@ -30,8 +46,11 @@ bool tryOut() {
         continue;
     glMatrixMode(GL_PROJECTION);
     const bool isCompatible = glGetError() == GL_NO_ERROR;
+    const auto* const renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+    const bool isAccelerated = renderer && !isSoftware(renderer);
     context.doneCurrent();
-    return isNewEnough && hasRectangles && isCompatible;
+    const bool works = isNewEnough && hasRectangles && isCompatible;
+    return {works, works && isAccelerated};
 }
 
 } // namespace
@@ -50,9 +69,21 @@ QSurfaceFormat KWImageSurfaceFormat() {
     return format;
 }
 
-bool KWOpenGLWorks() {
+namespace {
+
+Probe probe() {
     if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
-        return false;
-    static const bool works = tryOut();
-    return works;
+        return {};
+    static const Probe found = tryOut();
+    return found;
+}
+
+} // namespace
+
+bool KWOpenGLWorks() {
+    return probe().works;
+}
+
+bool KWOpenGLIsAccelerated() {
+    return probe().isAccelerated;
 }
