@@ -87,11 +87,32 @@ QImage KWEditScene::frame(KWTime time, const QSize& size) {
 }
 
 void KWEditScene::render(KWTime time, QImage& image) {
+    const QSize size = image.size();
+    evaluate(time);
+    const double fit = std::min(size.width() / static_cast<double>(_stage.size.width()),
+                                size.height() / static_cast<double>(_stage.size.height()));
+    _toPixels = cameraTransform(fit, QPointF(size.width() / 2.0, size.height() / 2.0));
+    const QSizeF shown = QSizeF(_stage.size).scaled(size, Qt::KeepAspectRatio);
+    _frame = QRectF(
+        QPointF((size.width() - shown.width()) / 2, (size.height() - shown.height()) / 2), shown);
+    _seen = _frame;
+    prepare(time);
+    renderPrepared(image);
+}
+
+void KWEditScene::render(KWTime time, QImage& image, const QRectF& frame) {
+    evaluate(time);
+    _toPixels = cameraTransform(frame.width() / _stage.size.width(), frame.center());
+    _frame = frame;
+    _seen = frame & QRectF(image.rect());
+    prepare(time);
+    renderPrepared(image);
+}
+
+void KWEditScene::renderPrepared(QImage& image) {
     if (image.format() != QImage::Format_ARGB32_Premultiplied)
         throw std::invalid_argument("a frame is drawn into a premultiplied picture");
     image.setDevicePixelRatio(1);
-    evaluate(time);
-    prepare(time, image.size());
     image.bits(); // shared with nobody from here on
     std::atomic<int> next = 0;
     const auto work = [&] {
@@ -114,9 +135,8 @@ void KWEditScene::evaluate(KWTime time) {
         sprite.channels.evaluate(time, sprite.values, _channelProblems);
 }
 
-QTransform KWEditScene::cameraTransform(const QSize& size) const {
-    const double fit = std::min(size.width() / static_cast<double>(_stage.size.width()),
-                                size.height() / static_cast<double>(_stage.size.height()));
+/// `fit` pixels are one of the stage.
+QTransform KWEditScene::cameraTransform(double fit, const QPointF& middle) const {
     const auto angle = [this](Role role) {
         return std::clamp(static_cast<double>(valueOr(_cameraValues, role, 0)), -1.5, 1.5);
     };
@@ -128,19 +148,15 @@ QTransform KWEditScene::cameraTransform(const QSize& size) const {
     const double scale =
         fit * _stage.scale * static_cast<double>(valueOr(_cameraValues, Role::zoom, 1));
     QTransform transform;
-    transform.translate(size.width() / 2.0, size.height() / 2.0);
+    transform.translate(middle.x(), middle.y());
     transform.scale(scale, -scale);
     transform.rotate(-degrees(valueOr(_cameraValues, Role::rotation, 0)));
     transform.translate(-x, -y);
     return transform;
 }
 
-void KWEditScene::prepare(KWTime time, const QSize& size) {
+void KWEditScene::prepare(KWTime time) {
     _items.clear();
-    _toPixels = cameraTransform(size);
-    const QSizeF shown = QSizeF(_stage.size).scaled(size, Qt::KeepAspectRatio);
-    _frame = QRectF(
-        QPointF((size.width() - shown.width()) / 2, (size.height() - shown.height()) / 2), shown);
     for (Sprite& sprite : _sprites) {
         sprite.outline.clear();
         prepareSprite(sprite, time);
@@ -184,7 +200,7 @@ bool KWEditScene::isVisible(const QTransform& transform) const {
 void KWEditScene::add(const QTransform& transform, Item item) {
     // A picture reaches a little beyond its content.
     const QRectF reach = transform.mapRect(QRectF(-0.25, -0.25, 1.5, 1.5));
-    if (item.opacity <= 0 || !reach.intersects(_frame))
+    if (item.opacity <= 0 || !reach.intersects(_seen))
         return;
     item.transform = transform;
     _items.push_back(std::move(item));

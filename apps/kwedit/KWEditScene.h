@@ -48,6 +48,10 @@ class KWEditScene {
     /// Into a picture that is there, so that none is made for each frame. std::invalid_argument
     /// unless it is in Format_ARGB32_Premultiplied.
     void render(KWTime time, QImage& image);
+    /// A part of a larger frame: all of it lies in `frame`, in pixels from the picture's upper left
+    /// corner, as wide and high in proportion as the stage. What reaches out of the picture is not
+    /// drawn; an empty `frame` leaves the picture transparent.
+    void render(KWTime time, QImage& image, const QRectF& frame);
 
     /// How many threads draw one frame; 1 at first.
     void setThreadCount(int count) { _threadCount = std::max(1, count); }
@@ -86,11 +90,12 @@ class KWEditScene {
     };
 
     void evaluate(KWTime time);
-    void prepare(KWTime time, const QSize& size);
+    void renderPrepared(QImage& image);
+    void prepare(KWTime time);
     void prepareSprite(Sprite& sprite, KWTime time);
     void addShadow(const Sprite& sprite, double x, double foot, const QSizeF& size, double opacity);
     QSizeF sizeOf(Sprite& sprite);
-    QTransform cameraTransform(const QSize& size) const;
+    QTransform cameraTransform(double fit, const QPointF& middle) const;
     bool isVisible(const QTransform& transform) const;
     void add(const QTransform& transform, Item item);
     void drawBackdrop(QPainter& painter) const;
@@ -107,5 +112,6 @@ class KWEditScene {
 
     QTransform _toPixels;
     QRectF _frame;
+    QRectF _seen; ///< the part of it that is in the picture
     std::vector<Item> _items;
 };
