@@ -44,6 +44,25 @@ TEST(KWEditDocument, ANewOneHasAStageAndIsNotModified) {
     EXPECT_EQ(it.error, "the document has no file yet");
 }
 
+TEST(KWEditDocument, AnEditOfAKeyThatIsUndoneLeavesTheDocumentAsSaved) {
+    Editing it;
+    ASSERT_TRUE(it.open("bouncing-ball.kwdoc"));
+    std::shared_ptr<KWKeyFramedChannel> channel;
+    for (const auto& place : it.document.model().channels())
+        if (auto keyFramed = std::dynamic_pointer_cast<KWKeyFramedChannel>(place.channel))
+            channel = keyFramed;
+    ASSERT_NE(channel, nullptr);
+    channel->setValueForKeyframe(3, channel->firstKeyframe());
+    QTest::qWait(1);
+    EXPECT_TRUE(it.document.isModified());
+    it.document.undo();
+    QTest::qWait(1);
+    EXPECT_FALSE(it.document.isModified());
+    it.document.redo();
+    QTest::qWait(1);
+    EXPECT_TRUE(it.document.isModified());
+}
+
 TEST(KWEditDocument, OpensSavesAndReopensInAllForms) {
     for (const Form form : {Form::binary, Form::xml, Form::sequential}) {
         Editing it;

@@ -225,13 +225,14 @@ bool KWEditDocument::isOfThisDocument(const KWChannel& channel) const {
 }
 
 /// Most edits register their inverse by the time that the event loop runs again. One that has not
-/// by then will not, unless it is still under way.
+/// by then will not, unless it is still under way. What is undone leads to a state that has a name.
 void KWEditDocument::channelDidChange(const KWNotification& notice) {
     auto channel = std::dynamic_pointer_cast<KWChannel>(
         notice.object() ? notice.object()->weak_from_this().lock() : nullptr);
     if (!channel || !isOfThisDocument(*channel))
         return;
-    if (!_isCheckPending) {
+    const bool isReplayed = undoManager()->isUndoing() || undoManager()->isRedoing();
+    if (!_isCheckPending && !isReplayed) {
         _isCheckPending = true;
         _stateAtNotice = undoManager()->stateIdentifier();
         QTimer::singleShot(0, this, [this, channel, manager = undoManager()] {
