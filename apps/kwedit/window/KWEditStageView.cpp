@@ -120,6 +120,11 @@ void KWEditStageView::setSelectedElements(const std::vector<std::shared_ptr<KWEl
         return;
     _selected = elements;
     updateCursor();
+    showOver();
+}
+
+/// What lies over the frame, which stays.
+void KWEditStageView::showOver() {
     if (_overlay)
         _overlay->update();
     else
@@ -301,6 +306,7 @@ void KWEditStageView::ensureFrame() {
     if (_image.isNull())
         return;
     KWEditScene& shown = scene();
+    ++_drawnCount;
     shown.render(_transport->time(), _image, QRectF(_frame.translated(-_seen.topLeft())));
     if (const qsizetype count = shown.problems().size(); count != _told) {
         _told = count;

@@ -78,6 +78,8 @@ class KWEditStageView : public QWidget {
     /// The frame in the pixels of the screen as it is shown, cut off where the view ends; null when
     /// none of it is seen.
     const QImage& shownFrame();
+    /// How many frames have been drawn, to measure by.
+    qint64 drawnFrameCount() const { return _drawnCount; }
     /// Where in the view the whole frame lies.
     QRectF frameRect() const;
     QPointF stagePoint(const QPointF& position);
@@ -155,6 +157,7 @@ class KWEditStageView : public QWidget {
     void structureChanged();
     void setNeedsFrame();
     void showSoon();
+    void showOver();
     void showOnSurface();
     void applyRenderer();
     KWEditScene& scene();
@@ -192,6 +195,7 @@ class KWEditStageView : public QWidget {
     QPointer<KWEditTransport> _transport;
     std::unique_ptr<KWEditScene> _scene;
     int _threadCount;
+    qint64 _drawnCount = 0;
     bool _needsFrame = true;
     bool _needsRefresh = false;
     bool _isShowing = false; ///< whether the surface will be told when the event loop runs
@@ -212,10 +216,12 @@ class KWEditStageView : public QWidget {
     std::vector<std::shared_ptr<KWElement>> _selected;
     Press _press = Press::none;
     Qt::MouseButton _pressButton = Qt::NoButton;
+    bool _picksOnRelease = false; ///< what was pressed on was selected already
     QPointF _pressPosition;
     QPointF _lastPosition;
     std::unique_ptr<KWEditSpriteMove> _move;
     bool _isSpaceDown = false;
     bool _hasSpacePanned = false;
     bool _isDropTarget = false;
+    bool _showsFocus = false; ///< which came by the keyboard
 };

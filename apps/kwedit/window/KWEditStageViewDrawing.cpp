@@ -88,7 +88,7 @@ void KWEditStageView::drawOver(QPainter& painter) {
         if (element)
             drawOutline(painter, *element);
     const QColor highlight = palette().color(QPalette::Highlight);
-    if (_isDropTarget || hasFocus()) {
+    if (_isDropTarget || _showsFocus) {
         painter.setBrush(Qt::NoBrush);
         const double width = _isDropTarget ? 3 : 1;
         QColor color = highlight;

@@ -143,7 +143,8 @@ void KWEditStageView::mousePressEvent(QMouseEvent* event) {
     const std::shared_ptr<KWElement> element = elementAt(event->position());
     const QPointer<KWEditStageView> self(this);
     _press = Press::click;
-    if (element && isSelected(*element)) {
+    _picksOnRelease = element && isSelected(*element);
+    if (_picksOnRelease) {
         _press = Press::armed;
         return;
     }
@@ -184,7 +185,7 @@ void KWEditStageView::mouseReleaseEvent(QMouseEvent* event) {
         endMove();
     updateCursor();
     // Of several that are selected, the one that was clicked stays.
-    if (press == Press::armed)
+    if (press == Press::armed && _picksOnRelease)
         Q_EMIT elementPicked(elementAt(event->position()));
 }
 
@@ -236,6 +237,8 @@ void KWEditStageView::endMove() {
     if (!_move)
         return;
     const std::unique_ptr<KWEditSpriteMove> move = std::move(_move);
+    if (_press == Press::move)
+        _press = Press::click; // the button may still be down
     move->commit();
     updateCursor();
     setNeedsFrame();
@@ -354,14 +357,18 @@ void KWEditStageView::keyReleaseEvent(QKeyEvent* event) {
 
 void KWEditStageView::focusInEvent(QFocusEvent* event) {
     QWidget::focusInEvent(event);
-    showSoon();
+    _showsFocus = event->reason() == Qt::TabFocusReason ||
+                  event->reason() == Qt::BacktabFocusReason ||
+                  event->reason() == Qt::ShortcutFocusReason;
+    showOver();
 }
 
 void KWEditStageView::focusOutEvent(QFocusEvent* event) {
     QWidget::focusOutEvent(event);
     _isSpaceDown = false;
+    _showsFocus = false;
     updateCursor();
-    showSoon();
+    showOver();
 }
 
 // --- Files.
@@ -370,7 +377,7 @@ void KWEditStageView::dragEnterEvent(QDragEnterEvent* event) {
     if (localFiles(event->mimeData()).isEmpty())
         return event->ignore();
     _isDropTarget = true;
-    showSoon();
+    showOver();
     event->setDropAction(Qt::CopyAction);
     event->accept();
 }
@@ -378,12 +385,12 @@ void KWEditStageView::dragEnterEvent(QDragEnterEvent* event) {
 void KWEditStageView::dragLeaveEvent(QDragLeaveEvent* event) {
     QWidget::dragLeaveEvent(event);
     _isDropTarget = false;
-    showSoon();
+    showOver();
 }
 
 void KWEditStageView::dropEvent(QDropEvent* event) {
     _isDropTarget = false;
-    showSoon();
+    showOver();
     const QStringList files = localFiles(event->mimeData());
     if (files.isEmpty())
         return event->ignore();

@@ -10,7 +10,7 @@
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QToolButton>
-#include <cmath>
+#include <algorithm>
 
 namespace {
 
@@ -30,6 +30,7 @@ KWTransportBar::KWTransportBar(KWEditTransport& transport, QWidget* parent)
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(6, 4, 6, 4);
     row->setSpacing(2);
+    row->setSizeConstraint(QLayout::SetNoConstraint);
     makeButtons();
 
     row->addSpacing(6);
@@ -173,6 +174,15 @@ void KWTransportBar::setShowsFrames(bool showsFrames) {
 
 void KWTransportBar::setKeyTimes(std::vector<float> times) {
     _ruler->setKeyTimes(std::move(times));
+}
+
+/// Without what goes where it is narrow.
+QSize KWTransportBar::minimumSizeHint() const {
+    QSize size = layout()->totalMinimumSize();
+    for (const QWidget* const each : {_rateBox, static_cast<QWidget*>(_measured)})
+        if (!each->isHidden())
+            size.rwidth() -= std::max(each->minimumWidth(), each->minimumSizeHint().width());
+    return size;
 }
 
 void KWTransportBar::resizeEvent(QResizeEvent* event) {

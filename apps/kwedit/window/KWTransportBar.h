@@ -30,6 +30,8 @@ class KWTransportBar : public QWidget {
     void setKeyTimes(std::vector<float> times);
     KWTransportRuler& ruler() const { return *_ruler; }
 
+    QSize minimumSizeHint() const override;
+
   public Q_SLOTS:
     void setShowsFrames(bool showsFrames);
 

@@ -135,7 +135,8 @@ KWTransportRuler::Scale KWTransportRuler::scale() const {
         std::max(1.0, width() - 2 * margin) / std::max(last() - first(), 1e-9);
     const QFontMetricsF metrics(labelFont());
     Scale scale;
-    double wanted = std::max(frame, 1 / pointsForSecond);
+    // No finer than frames, as long as there are several.
+    double wanted = std::max(std::min(frame, (last() - first()) / 5), 1 / pointsForSecond);
     for (int round = 0; round < 8; ++round) {
         scale.major = _showsFrames ? roundedUp(std::max(1.0, wanted * rate)) * frame
                                    : roundedUpSeconds(wanted);
