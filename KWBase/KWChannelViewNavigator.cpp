@@ -181,6 +181,10 @@ KWChannelViewNavigator::~KWChannelViewNavigator() {
     showCursor(Cursor::own);
 }
 
+KWChannelView* KWChannelViewNavigator::view() const {
+    return _view;
+}
+
 void KWChannelViewNavigator::setFramesFirstChannel(bool frames) {
     _framesFirstChannel = frames;
     _isArmed = frames;

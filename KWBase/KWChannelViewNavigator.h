@@ -48,7 +48,7 @@ class KW_EXPORT KWChannelViewNavigator : public QObject {
     ~KWChannelViewNavigator() override;
 
     /// Null when it is gone.
-    KWChannelView* view() const { return _view; }
+    KWChannelView* view() const;
 
     // --- Settings.
 

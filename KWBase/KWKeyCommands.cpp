@@ -104,6 +104,10 @@ KWKeyCommands::~KWKeyCommands() {
     resign();
 }
 
+KWChannelView* KWKeyCommands::view() const {
+    return _view;
+}
+
 void KWKeyCommands::setTimeStep(double seconds) {
     if (isStep(seconds))
         _timeStep = seconds;

@@ -52,7 +52,7 @@ class KW_EXPORT KWKeyCommands : public KWChannelEditSource, private KWKeyObserve
     ~KWKeyCommands() override;
 
     /// Null when it is gone.
-    KWChannelView* view() const { return _view; }
+    KWChannelView* view() const;
 
     // --- Settings. A step that is not positive and finite is not taken.
 
