@@ -1,3 +1,4 @@
+#include <KWBase/KWKeyFramedChannel.h>
 #include <KWFoundation/KWArchiveError.h>
 #include <KWFoundation/KWFile.h>
 
@@ -224,15 +225,18 @@ bool KWEditDocument::isOfThisDocument(const KWChannel& channel) const {
     return owner && channel.undoManager() == undoManager().get();
 }
 
-/// Most edits register their inverse by the time that the event loop runs again. One that has not
-/// by then will not, unless it is still under way. What is undone leads to a state that has a name.
+/// Keyframed channels register the inverse of each edit, or have it bracketed by someone who does;
+/// a drag that is taken back ends with notices and no step. Of the others most edits register by
+/// the time that the event loop runs again. One that has not by then will not, unless it is still
+/// under way. What is undone leads to a state that has a name.
 void KWEditDocument::channelDidChange(const KWNotification& notice) {
     auto channel = std::dynamic_pointer_cast<KWChannel>(
         notice.object() ? notice.object()->weak_from_this().lock() : nullptr);
     if (!channel || !isOfThisDocument(*channel))
         return;
     const bool isReplayed = undoManager()->isUndoing() || undoManager()->isRedoing();
-    if (!_isCheckPending && !isReplayed) {
+    const bool registers = dynamic_cast<const KWKeyFramedChannel*>(channel.get()) != nullptr;
+    if (!_isCheckPending && !isReplayed && !registers) {
         _isCheckPending = true;
         _stateAtNotice = undoManager()->stateIdentifier();
         QTimer::singleShot(0, this, [this, channel, manager = undoManager()] {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <string>
-#include <vector>
+#include <apps/kwedit/RenderCommand.h>
 
-/// Opens the editor's window on the documents, each in its turn, or on a new one for none, and
-/// answers the exit code when it is closed.
-int openEditor(int argc, char** argv, const std::vector<std::string>& documents);
+/// Opens a window on each of the documents, or on a new one for none, and answers the exit code
+/// when all are closed. With a screenshot asked for, draws the window into it instead.
+int openEditor(int argc, char** argv, const KWEditArguments& arguments);

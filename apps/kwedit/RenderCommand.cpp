@@ -6,12 +6,14 @@
 #include <apps/common/Output.h>
 #include <apps/common/Text.h>
 #include <apps/kwedit/KWEditScene.h>
+#include <apps/kwedit/KWFilmstrip.h>
 #include <apps/kwedit/KWFrameExport.h>
 #include <apps/kwedit/RenderCommand.h>
 
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QSaveFile>
 #include <atomic>
 #include <charconv>
 #include <csignal>
@@ -106,11 +108,30 @@ void checkContent(const KWFrameJob& job, const std::string& document) {
         throw DataError(document + ": " + scene.problems().front().toStdString());
 }
 
+int drawFilmstrip(const KWFrameJob& job, const KWEditArguments& arguments) {
+    int count = 0;
+    const char* const end = arguments.filmstrip.data() + arguments.filmstrip.size();
+    const auto read = std::from_chars(arguments.filmstrip.data(), end, count);
+    if (read.ec != std::errc() || read.ptr != end || count < 1 || count > 1000)
+        throw UseError("--filmstrip: a whole number from 1 to 1000 is wanted, not " +
+                       inQuotes(arguments.filmstrip));
+    const int width = job.size.isEmpty() ? 320 : job.size.width();
+    const QImage sheet = kwFilmstrip(*job.document, job.folder, job.first, job.last, count, width);
+    const QString file = QFile::decodeName(arguments.output.c_str());
+    QSaveFile target(file);
+    if (!target.open(QIODevice::WriteOnly) || !sheet.save(&target, "PNG") || !target.commit())
+        throw KWArchiveError(KWArchiveError::Kind::cannotWrite, arguments.output, {}, {},
+                             target.errorString().toStdString());
+    return exitDone;
+}
+
 int render(const KWEditArguments& arguments) {
     const KWFrameJob job = jobOf(arguments);
     const std::string& document = arguments.documents.front();
     if (arguments.isStrict)
         checkContent(job, document);
+    if (!arguments.filmstrip.empty())
+        return drawFilmstrip(job, arguments);
     const QString output = QFile::decodeName(arguments.output.c_str());
     const QString name = arguments.name.empty()
                              ? QFileInfo(QFile::decodeName(document.c_str())).completeBaseName()

@@ -15,6 +15,10 @@ struct KWEditArguments {
     std::string name;
     bool skipsExisting = false;
     bool isStrict = false;
+    std::string filmstrip;
+    std::string screenshot;
+    std::string language;
+    bool isTour = false;
 };
 
 /// Renders frames of a document without a screen. Answers when all is written, with the exit code;

@@ -57,6 +57,23 @@ void declareProgram(CLI::App& program, KWEditArguments& arguments) {
         .add_flag("--strict", arguments.isStrict,
                   "renders nothing when content is missing, in place of placeholders")
         ->needs(render);
+    program
+        .add_option("--filmstrip", arguments.filmstrip,
+                    "draws N frames of the range on one sheet, a PNG")
+        ->type_name("N")
+        ->needs(render);
+    program
+        .add_option("--screenshot", arguments.screenshot,
+                    "draws the window on the document into a PNG and ends; needs no screen")
+        ->type_name("FILE")
+        ->excludes(render);
+    program
+        .add_option("--language", arguments.language,
+                    "of the menus: en, de or fr; otherwise as set in them, or the system's")
+        ->type_name("CODE")
+        ->check(CLI::IsMember({"en", "de", "fr"}))
+        ->excludes(render);
+    program.add_flag("--tour", arguments.isTour, "walks through one edit")->excludes(render);
     program.footer("kwedit ball.kwdoc\n"
                    "kwedit --render ball.kwdoc --frames 0-99 -o frames\n"
                    "kwedit --render ball.kwdoc -o ball.mp4 --size 1920x1080 --fps 50\n");
@@ -72,7 +89,7 @@ int refuse(const std::string& text) {
 int main(int argc, char** argv) {
     setUpProcess("kwedit");
     KWSetLogHandler([](std::string_view line) {
-        if (!line.starts_with("set err = "))
+        if (!line.starts_with("set err = ") && line != "Elements changed")
             complain(printable(line));
     });
     KWEditArguments arguments;
@@ -96,5 +113,5 @@ int main(int argc, char** argv) {
     }
     if (arguments.isRendering)
         return runRender(arguments);
-    return openEditor(argc, argv, arguments.documents);
+    return openEditor(argc, argv, arguments);
 }

@@ -1,0 +1,363 @@
+#include "EditWindowTestSupport.h"
+
+#include <KWBase/KWAlgebricChannel.h>
+
+#include <QListWidget>
+#include <QMenuBar>
+#include <QSignalSpy>
+
+namespace {
+
+class KWEditWindowTest : public EditWindowTest {};
+using Unsaved = KWEditQuestions::Unsaved;
+using Target = KWEditQuestions::Target;
+using Form = KWEditDocument::Form;
+
+} // namespace
+
+TEST_F(KWEditWindowTest, EveryCommandHasAnActionATipAndAUniqueShortcut) {
+    open();
+    QHash<QString, QString> taken;
+    for (const KWEditCommand& command : KWEditCommands::table()) {
+        const QAction* const action = window->commands().action(command.id);
+        EXPECT_FALSE(action->text().isEmpty()) << command.id;
+        EXPECT_FALSE(KWEditCommands::tip(command).isEmpty()) << command.id;
+        const auto shortcuts = *command.shortcut ? action->shortcuts() : QList<QKeySequence>();
+        for (const QKeySequence& key : shortcuts) {
+            const QString text = key.toString(QKeySequence::PortableText);
+            EXPECT_FALSE(text.isEmpty()) << command.id;
+            EXPECT_FALSE(taken.contains(text))
+                << command.id << " and " << taken[text].toStdString() << ": " << text.toStdString();
+            taken[text] = QLatin1String(command.id);
+        }
+    }
+    EXPECT_THROW(window->commands().action("no.such"), std::out_of_range);
+}
+
+TEST_F(KWEditWindowTest, EveryMenuGivesItsCommandsDifferentAccessKeys) {
+    open();
+    const auto menus = window->menuBar()->actions();
+    EXPECT_EQ(menus.size(), 7);
+    for (const QAction* const menu : menus) {
+        QString keys;
+        const auto actions = menu->menu()->actions();
+        for (const QAction* const action : actions) {
+            const auto mark = action->text().indexOf(QLatin1Char('&'));
+            if (mark < 0)
+                continue;
+            const QChar key = action->text().at(mark + 1).toLower();
+            EXPECT_FALSE(keys.contains(key))
+                << menu->text().toStdString() << ": " << action->text().toStdString();
+            keys += key;
+        }
+    }
+}
+
+TEST_F(KWEditWindowTest, OpeningShowsTheElementsACurveAndTheName) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("bouncing-ball.kwdoc")));
+    EXPECT_FALSE(window->isWindowModified());
+    ASSERT_NE(window->curves().channel(), nullptr);
+    EXPECT_EQ(view().primaryChannel(), window->curves().channel());
+    EXPECT_EQ(window->session().elements().arrangedObjects().size(), 2U);
+    EXPECT_EQ(window->session().selectedElements().size(), 1U);
+}
+
+TEST_F(KWEditWindowTest, TheCurveIsFramedOnceAndNeverAgain) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    view().grab();
+    const QRectF framed = view().displayedRectangle();
+    EXPECT_NE(framed, QRectF(0, -2, 10, 4));
+    select(channel("Ball/Position/y"));
+    EXPECT_EQ(view().primaryChannel(), channel("Ball/Position/y"));
+    EXPECT_EQ(view().displayedRectangle(), framed);
+}
+
+TEST_F(KWEditWindowTest, ADamagedDocumentIsRefusedWithTheReason) {
+    const QString path = folder.path("bad.kwdoc");
+    writeContents(path, "bplist00 and then nothing");
+    open(samplePath("bouncing-ball.kwdoc"));
+    EXPECT_EQ(application.openWindow(path), nullptr);
+    ASSERT_EQ(questions.complaints.size(), 1);
+    EXPECT_TRUE(questions.complaints.front().contains(QStringLiteral("bad.kwdoc")));
+    EXPECT_EQ(application.windows().size(), 1);
+    expectedComplaints = questions.complaints;
+}
+
+TEST_F(KWEditWindowTest, ClosingAsksAboutUnsavedChanges) {
+    open();
+    press("Ctrl+Alt+N");
+    EXPECT_TRUE(window->isWindowModified());
+    questions.unsaved = {Unsaved::cancel};
+    EXPECT_FALSE(window->close());
+    questions.unsaved = {Unsaved::save};
+    questions.targets = {Target{folder.path("saved.kwdoc"), Form::xml}};
+    EXPECT_TRUE(window->close());
+    EXPECT_TRUE(contentsOf(folder.path("saved.kwdoc")).startsWith("<?xml"));
+    settle();
+}
+
+TEST_F(KWEditWindowTest, AnUntouchedWindowTakesTheDocumentOthersOpenAnother) {
+    open();
+    questions.opened = {{samplePath("wave.kwdoc")}, {samplePath("bouncing-ball.kwdoc")}};
+    press("Ctrl+O");
+    EXPECT_EQ(application.windows().size(), 1);
+    EXPECT_EQ(document().fileName(), QStringLiteral("wave.kwdoc"));
+    press("Ctrl+O");
+    EXPECT_EQ(application.windows().size(), 2);
+    EXPECT_EQ(settings.value(QStringLiteral("recentFiles")).toStringList().size(), 2);
+}
+
+TEST_F(KWEditWindowTest, PanesAreHiddenShownAndRemembered) {
+    open();
+    EXPECT_TRUE(window->stage().isVisible());
+    press("Alt+2");
+    EXPECT_FALSE(window->stage().isVisible());
+    press("Alt+2");
+    EXPECT_TRUE(window->stage().isVisible());
+    press("Alt+1");
+    EXPECT_FALSE(window->outline().isVisible());
+    const QByteArray state = window->panes().state();
+    EXPECT_TRUE(window->close());
+    settle();
+    open();
+    EXPECT_FALSE(window->outline().isVisible());
+    EXPECT_EQ(window->panes().state(), state);
+    EXPECT_FALSE(window->panes().restore("nonsense"));
+    EXPECT_EQ(window->panes().state(), state);
+}
+
+TEST_F(KWEditWindowTest, TheGapBetweenTwoPanesIsDragged) {
+    open();
+    const int width = window->outline().width();
+    const QPoint gap(window->outline().geometry().right() + 3, 200);
+    drag(window->panes(), gap, gap + QPoint(60, 0));
+    EXPECT_EQ(window->outline().width(), width + 60);
+    const int height = window->stage().height();
+    const QPoint below(window->stage().geometry().center().x(),
+                       window->stage().geometry().bottom() + 3);
+    drag(window->panes(), below, below - QPoint(0, 40));
+    EXPECT_EQ(window->stage().height(), height - 40);
+    QTest::mouseDClick(&window->panes(), Qt::LeftButton, {}, gap + QPoint(60, 0));
+    EXPECT_EQ(window->outline().width(), width);
+}
+
+TEST_F(KWEditWindowTest, TheCurvesGoIntoAWindowOfTheirOwnAndBack) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    const int height = window->stage().height();
+    press("Alt+0");
+    EXPECT_TRUE(window->curves().isFloating());
+    EXPECT_TRUE(window->curves().isVisible());
+    EXPECT_GT(window->stage().height(), height);
+    window->curves().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window->curves()));
+    view().setFocus();
+    press("Ctrl+A");
+    EXPECT_GT(view().selectedKeys().size(), 1U);
+    window->curves().close();
+    settle();
+    EXPECT_FALSE(window->curves().isFloating());
+    EXPECT_TRUE(window->curves().isVisible());
+    EXPECT_EQ(window->stage().height(), height);
+}
+
+TEST_F(KWEditWindowTest, SpacePlaysUnlessSomethingElseNeedsIt) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    view().setFocus();
+    press("Space");
+    EXPECT_TRUE(window->session().transport().isPlaying());
+    press("Space");
+    EXPECT_FALSE(window->session().transport().isPlaying());
+    auto* const snap = widget<QAbstractButton>("snapCheckBox");
+    snap->setFocus();
+    press("Space");
+    EXPECT_TRUE(snap->isChecked());
+    EXPECT_FALSE(window->session().transport().isPlaying());
+    EXPECT_TRUE(window->commands().action("keys.snap")->isChecked());
+}
+
+TEST_F(KWEditWindowTest, TheTimeReachesStageCurvesAndValues) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    const QImage before = window->stage().shownFrame().copy();
+    window->session().transport().scrub(1);
+    settle();
+    EXPECT_EQ(view().currentTime(), 1);
+    EXPECT_EQ(channel("Ball/Position/x")->value(),
+              channel("Ball/Position/x")->valueForTime(KWTime(1)));
+    EXPECT_NE(window->stage().shownFrame(), before);
+}
+
+TEST_F(KWEditWindowTest, OneDragIsOneStepWithItsNameAndUndoWaitsForIt) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    const auto before = bytes();
+    const auto x = std::dynamic_pointer_cast<KWKeyFramedChannel>(channel("Ball/Position/x"));
+    select(x);
+    const QPoint key = at(x->keyframeAtIndex(1)->time(), x->valueForTime(x->keyframeAtIndex(1)));
+    press(view(), key);
+    moveTo(view(), key + QPoint(10, 20));
+    moveTo(view(), key + QPoint(14, 40));
+    EXPECT_NE(bytes(), before);
+    window->undo();
+    EXPECT_NE(bytes(), before);
+    QTest::mouseRelease(&view(), Qt::LeftButton, {}, key + QPoint(14, 40));
+    settle();
+    EXPECT_EQ(window->commands().action("edit.undo")->text(), QStringLiteral("&Undo Edit Keys"));
+    press("Ctrl+Z");
+    EXPECT_EQ(bytes(), before);
+    EXPECT_FALSE(document().canUndo());
+    EXPECT_FALSE(window->isWindowModified());
+    press("Ctrl+Shift+Z");
+    EXPECT_NE(bytes(), before);
+}
+
+TEST_F(KWEditWindowTest, EscapeCancelsADragAndLeavesNothing) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    const auto before = bytes();
+    const auto x = std::dynamic_pointer_cast<KWKeyFramedChannel>(channel("Ball/Position/x"));
+    select(x);
+    const QPoint key = at(x->keyframeAtIndex(1)->time(), x->valueForTime(x->keyframeAtIndex(1)));
+    view().setFocus();
+    press(view(), key);
+    moveTo(view(), key + QPoint(30, 30));
+    EXPECT_NE(bytes(), before);
+    press("Escape");
+    QTest::mouseRelease(&view(), Qt::LeftButton, {}, key);
+    settle();
+    EXPECT_EQ(bytes(), before);
+    EXPECT_FALSE(document().canUndo());
+    EXPECT_FALSE(window->isWindowModified());
+}
+
+// A new document has one element already, the stage.
+
+TEST_F(KWEditWindowTest, TheHistoryListsTheStepsAndGoesToAnyOfThem) {
+    open();
+    for (const char* const keys : {"Ctrl+Alt+N", "Ctrl+Alt+N", "Ctrl+Alt+N"})
+        press(keys);
+    auto* const history = widget<QListWidget>("history");
+    ASSERT_EQ(history->count(), 4);
+    EXPECT_EQ(history->currentRow(), 3);
+    const auto all = bytes();
+    window->commands().action("view.history")->trigger();
+    settle();
+    QTest::mouseClick(history->viewport(), Qt::LeftButton, {},
+                      history->visualItemRect(history->item(1)).center());
+    settle();
+    EXPECT_EQ(document().model().elements().size(), 2U);
+    EXPECT_EQ(history->currentRow(), 1);
+    EXPECT_EQ(history->count(), 4);
+    QTest::mouseClick(history->viewport(), Qt::LeftButton, {},
+                      history->visualItemRect(history->item(3)).center());
+    settle();
+    EXPECT_EQ(bytes(), all);
+}
+
+TEST_F(KWEditWindowTest, ElementsAreAddedRenamedReorderedAndRemoved) {
+    open();
+    press("Ctrl+Alt+N");
+    press("Ctrl+Alt+N");
+    EXPECT_EQ(element(2)->name(), "Sprite 2");
+    ASSERT_EQ(window->session().selectedElements().size(), 1U);
+    EXPECT_EQ(window->session().selectedElements().front(), element(2));
+    questions.names = {QStringLiteral("Moon")};
+    window->commands().action("element.rename")->trigger();
+    settle();
+    EXPECT_EQ(element(2)->name(), "Moon");
+    window->commands().action("element.lower")->trigger();
+    settle();
+    EXPECT_EQ(element(1)->name(), "Moon");
+    window->commands().action("element.raise")->trigger();
+    settle();
+    EXPECT_EQ(element(2)->name(), "Moon");
+    window->commands().action("element.remove")->trigger();
+    settle();
+    EXPECT_EQ(document().model().elements().size(), 2U);
+    EXPECT_TRUE(window->session().selectedElements().empty());
+    press("Ctrl+Z");
+    EXPECT_EQ(document().model().elements().size(), 3U);
+}
+
+TEST_F(KWEditWindowTest, PicturesThatAreDroppedBecomeSpritesInOneStep) {
+    open();
+    QImage picture(8, 8, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(folder.path("red.png")));
+    ASSERT_TRUE(picture.save(folder.path("blue.png")));
+    window->addFiles({folder.path("red.png"), folder.path("blue.png")}, QPointF(1, 2));
+    settle();
+    ASSERT_EQ(document().model().elements().size(), 3U);
+    EXPECT_EQ(element(1)->name(), "red");
+    EXPECT_EQ(channel("red/Position/x")->valueForTime(KWTime(0)), 1);
+    EXPECT_EQ(channel("red/Position/y")->valueForTime(KWTime(0)), 2);
+    press("Ctrl+Z");
+    EXPECT_EQ(document().model().elements().size(), 1U);
+    EXPECT_FALSE(document().canUndo());
+}
+
+TEST_F(KWEditWindowTest, ASpriteIsPickedOnTheStageAndItsElementSelected) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    window->session().selectElement(nullptr);
+    settle();
+    const QPolygonF outline = window->stage().outlineOf(*element(0));
+    ASSERT_FALSE(outline.isEmpty());
+    QTest::mouseClick(&window->stage(), Qt::LeftButton, {},
+                      outline.boundingRect().center().toPoint());
+    settle();
+    ASSERT_EQ(window->session().selectedElements().size(), 1U);
+    EXPECT_EQ(window->session().selectedElements().front(), element(0));
+    EXPECT_EQ(window->outline().elementOf(window->outline().selectedItem()), element(0));
+}
+
+TEST_F(KWEditWindowTest, TheOtherCurvesOfAnElementAreShownAndHidden) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    select(channel("Ball/Position/x"));
+    window->commands().action("view.showAllCurves")->trigger();
+    EXPECT_GE(view().secondaryChannels().size(), 3U);
+    EXPECT_FALSE(view().isSecondaryChannel(channel("Ball/Position/x")));
+    window->commands().action("view.hideOtherCurves")->trigger();
+    EXPECT_TRUE(view().secondaryChannels().empty());
+}
+
+TEST_F(KWEditWindowTest, AKeyIsSetOnTheCurveAndTheTimeGoesFromKeyToKey) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    const auto x = std::dynamic_pointer_cast<KWKeyFramedChannel>(channel("Ball/Position/x"));
+    select(x);
+    const auto count = x->keyframeCount();
+    window->session().transport().scrub(0.5F);
+    view().setFocus();
+    const float value = x->valueForTime(KWTime(0.5F));
+    press("K");
+    EXPECT_EQ(x->keyframeCount(), count + 1);
+    EXPECT_EQ(x->valueForTime(KWTime(0.5F)), value);
+    press("Ctrl+Z");
+    EXPECT_EQ(x->keyframeCount(), count);
+    window->session().transport().scrub(0);
+    window->commands().action("play.nextKey")->trigger();
+    EXPECT_EQ(window->session().transport().currentTime(), x->keyframeAtIndex(1)->time());
+    window->commands().action("play.previousKey")->trigger();
+    EXPECT_EQ(window->session().transport().currentTime(), x->keyframeAtIndex(0)->time());
+}
+
+TEST_F(KWEditWindowTest, AReadOnlyDocumentSaysSoAndIsSavedElsewhere) {
+    const QString path = folder.path("ball.kwdoc");
+    writeContents(path, contentsOf(samplePath("bouncing-ball.kwdoc")));
+    QFile::setPermissions(path, QFile::ReadOwner);
+    open(path);
+    if (!document().isReadOnly())
+        GTEST_SKIP() << "this user may write to everything";
+    EXPECT_TRUE(window->windowTitle().contains(QStringLiteral("read-only")));
+    press("Ctrl+Alt+N");
+    questions.targets = {Target{folder.path("mine.kwdoc"), Form::binary}};
+    press("Ctrl+S");
+    EXPECT_FALSE(document().isReadOnly());
+    EXPECT_EQ(contentsOf(path), contentsOf(samplePath("bouncing-ball.kwdoc")));
+}
+
+TEST_F(KWEditWindowTest, AWindowOnADocumentIsDrawnWithoutAScreen) {
+    QString error;
+    const QString picture = folder.path("window.png");
+    ASSERT_TRUE(kwDrawWindow(samplePath("bouncing-ball.kwdoc"), picture, QSize(1200, 800), &error));
+    EXPECT_EQ(QImage(picture).size(), QSize(1200, 800));
+    EXPECT_FALSE(kwDrawWindow(folder.path("none.kwdoc"), picture, QSize(800, 600), &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("none.kwdoc")));
+}
