@@ -8,9 +8,9 @@
 namespace {
 
 /// Takes the lists that a channel encodes, which is the one way to its shapes by index.
-class Collector final : public KWCoder {
+class KeyCollector final : public KWCoder {
   public:
-    explicit Collector(KWChannelKeys& taken) : keys(taken) {}
+    explicit KeyCollector(KWChannelKeys& taken) : keys(taken) {}
 
     bool allowsKeyedCoding() const override { return false; }
     std::int64_t versionForClassName(std::string_view className) const override {
@@ -42,7 +42,7 @@ KWChannelKeys kwKeysOf(const KWKeyFramedChannel& channel) {
     KWChannelKeys keys;
     if (channel.valueCount() == channel.keyframeCount() &&
         channel.hermiteCount() == channel.keyframeCount()) {
-        Collector collector(keys);
+        KeyCollector collector(keys);
         // The channel's own part alone: a subclass may write more lists behind it.
         channel.KWKeyFramedChannel::encodeWithCoder(collector);
         return keys;

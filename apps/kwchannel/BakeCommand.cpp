@@ -44,48 +44,43 @@ void runBake(const BakeArguments& arguments) {
 
 } // namespace
 
-void addBakeCommand(CLI::App& program) {
-    CLI::App* command =
-        program.add_subcommand("bake", "Writes the values of channels over a range at a rate");
+void addBakeCommand(Command& program) {
+    Command command =
+        program.command("bake", "Writes the values of channels over a range at a rate");
     const auto arguments = std::make_shared<BakeArguments>();
-    command->add_option("DOC", arguments->document, "the document; - is standard input")
-        ->required();
-    command->add_option("CHANNEL", arguments->channels,
-                        "paths such as Ball/Position/x, or what they end with, such as x; all "
-                        "channels when there is none");
-    command->add_option("--from", arguments->from, "the first time, in seconds")
-        ->type_name("A")
-        ->required();
+    command.option("DOC", arguments->document, "the document; - is standard input").required();
+    command.option("CHANNEL", arguments->channels,
+                   "paths such as Ball/Position/x, or what they end with, such as x; all "
+                   "channels when there is none");
+    command.option("--from", arguments->from, "the first time, in seconds").shownAs("A").required();
     command
-        ->add_option(
-            "--to", arguments->to,
-            "no time after this one, in seconds; the times are A + k / R for k = 0, 1, 2, ...")
-        ->type_name("B")
-        ->required();
-    command->add_option("--rate", arguments->rate, "times a second")->type_name("R")->required();
+        .option("--to", arguments->to,
+                "no time after this one, in seconds; the times are A + k / R for k = 0, 1, 2, ...")
+        .shownAs("B")
+        .required();
+    command.option("--rate", arguments->rate, "times a second").shownAs("R").required();
     command
-        ->add_option("-o,--output", arguments->output,
-                     "the file to write, replaced when all is written and not before; standard "
-                     "output when not given")
-        ->type_name("FILE");
+        .option("-o,--output", arguments->output,
+                "the file to write, replaced when all is written and not before; standard "
+                "output when not given")
+        .shownAs("FILE");
     command
-        ->add_option("--format", arguments->format,
-                     "csv: a line of channel paths, then a line for each time, numbers in the "
-                     "shortest digits that read back the same, nan and inf as such; jsonl: an "
-                     "object for each time, what is not finite as null; when not given, jsonl for "
-                     "a FILE that ends in .jsonl and csv otherwise")
-        ->type_name("csv|jsonl")
-        ->check(CLI::IsMember({"csv", "jsonl"}).description(""));
+        .option("--format", arguments->format,
+                "csv: a line of channel paths, then a line for each time, numbers in the "
+                "shortest digits that read back the same, nan and inf as such; jsonl: an "
+                "object for each time, what is not finite as null; when not given, jsonl for "
+                "a FILE that ends in .jsonl and csv otherwise")
+        .shownAs("csv|jsonl")
+        .oneOf({"csv", "jsonl"});
     command
-        ->add_option("--unit", arguments->units,
-                     "write lengths or angles in this unit, as for eval; meters and radians when "
-                     "not given")
-        ->type_name("NAME[,...]")
-        ->allow_extra_args(false)
-        ->delimiter(',');
-    command->footer(
+        .option("--unit", arguments->units,
+                "write lengths or angles in this unit, as for eval; meters and radians when "
+                "not given")
+        .shownAs("NAME[,...]")
+        .separatedByCommas();
+    command.setExamples(
         "kwchannel bake ball.kwdoc --from 0 --to 10 --rate 60 -o ball.csv\n"
         "kwchannel bake show.kwdoc --from 0 --to 1 --rate 25 --format jsonl | head -3\n"
         "kwchannel bake ball.kwdoc x y --from -1 --to 1 --rate 1000 --unit mm > path.csv\n");
-    command->callback([arguments] { runBake(*arguments); });
+    command.onRun([arguments] { runBake(*arguments); });
 }

@@ -89,38 +89,36 @@ void runConvert(const ConvertArguments& arguments) {
 
 } // namespace
 
-void addConvertCommand(CLI::App& program) {
-    CLI::App* command = program.add_subcommand(
-        "convert", "Writes a document in another form: binary, XML or sequential");
+void addConvertCommand(Command& program) {
+    Command command =
+        program.command("convert", "Writes a document in another form: binary, XML or sequential");
     const auto arguments = std::make_shared<ConvertArguments>();
-    command->add_option("DOC", arguments->document, "the document; - is standard input")
-        ->required();
+    command.option("DOC", arguments->document, "the document; - is standard input").required();
     command
-        ->add_option("-o,--output", arguments->output,
-                     "the file to write, replaced as a whole or not at all; - is standard output")
-        ->type_name("OUT")
-        ->required();
+        .option("-o,--output", arguments->output,
+                "the file to write, replaced as a whole or not at all; - is standard output")
+        .shownAs("OUT")
+        .required();
     command
-        ->add_option("--to", arguments->form,
-                     "the form: a keyed archive, binary or xml, or a sequential one; when not "
-                     "given, xml for an OUT that ends in .xml and binary for any other")
-        ->type_name("binary|xml|sequential")
-        ->check(CLI::IsMember({"binary", "xml", "sequential"}).description(""));
-    command->add_flag("--lossy", arguments->isLossy,
-                      "convert also when the form cannot carry everything; what is lost is told "
-                      "either way");
+        .option("--to", arguments->form,
+                "the form: a keyed archive, binary or xml, or a sequential one; when not "
+                "given, xml for an OUT that ends in .xml and binary for any other")
+        .shownAs("binary|xml|sequential")
+        .oneOf({"binary", "xml", "sequential"});
+    command.flag("--lossy", arguments->isLossy,
+                 "convert also when the form cannot carry everything; what is lost is told "
+                 "either way");
     command
-        ->add_option("--class-version", arguments->versions,
-                     "write classes of a sequential archive as an older program knows them: "
-                     "KWChannel=0 or 1, KWKeyFramedChannel=0, KWChannelArray=0, KWElement=0 or 1")
-        ->type_name("NAME=VERSION[,...]")
-        ->allow_extra_args(false)
-        ->delimiter(',');
-    command->footer("kwchannel convert ball.kwdoc -o ball.xml\n"
-                    "kwchannel convert ball.xml -o ball.kwdoc\n"
-                    "kwchannel convert ball.kwdoc --to xml -o - | less\n"
-                    "kwchannel convert ball.kwdoc --to sequential -o ball.typedstream\n"
-                    "kwchannel convert ball.kwdoc --to sequential --class-version KWChannel=1 "
-                    "--lossy -o old.typedstream\n");
-    command->callback([arguments] { runConvert(*arguments); });
+        .option("--class-version", arguments->versions,
+                "write classes of a sequential archive as an older program knows them: "
+                "KWChannel=0 or 1, KWKeyFramedChannel=0, KWChannelArray=0, KWElement=0 or 1")
+        .shownAs("NAME=VERSION[,...]")
+        .separatedByCommas();
+    command.setExamples("kwchannel convert ball.kwdoc -o ball.xml\n"
+                        "kwchannel convert ball.xml -o ball.kwdoc\n"
+                        "kwchannel convert ball.kwdoc --to xml -o - | less\n"
+                        "kwchannel convert ball.kwdoc --to sequential -o ball.typedstream\n"
+                        "kwchannel convert ball.kwdoc --to sequential --class-version KWChannel=1 "
+                        "--lossy -o old.typedstream\n");
+    command.onRun([arguments] { runConvert(*arguments); });
 }

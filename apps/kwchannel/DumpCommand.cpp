@@ -35,21 +35,20 @@ void runDump(const DumpArguments& arguments) {
 
 } // namespace
 
-void addDumpCommand(CLI::App& program) {
-    CLI::App* command =
-        program.add_subcommand("dump", "Shows every object of any archive, as it is stored");
+void addDumpCommand(Command& program) {
+    Command command = program.command("dump", "Shows every object of any archive, as it is stored");
     const auto arguments = std::make_shared<DumpArguments>();
-    command->add_option("FILE", arguments->file, "the archive; - is standard input")->required();
-    command->add_flag("--objects", arguments->isFlat,
-                      "all objects in a flat list, also those that nothing refers to");
+    command.option("FILE", arguments->file, "the archive; - is standard input").required();
+    command.flag("--objects", arguments->isFlat,
+                 "all objects in a flat list, also those that nothing refers to");
     command
-        ->add_option("--depth", arguments->depth,
-                     "how deep lines are indented, 40 when not given; what is nested deeper is "
-                     "shown further down")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1000).description(""));
-    command->footer("kwchannel dump ball.kwdoc\n"
-                    "kwchannel dump --objects unknown.plist | less\n"
-                    "kwchannel dump --depth 5 unknown.typedstream\n");
-    command->callback([arguments] { runDump(*arguments); });
+        .option("--depth", arguments->depth,
+                "how deep lines are indented, 40 when not given; what is nested deeper is "
+                "shown further down")
+        .shownAs("N")
+        .between(1, 1000);
+    command.setExamples("kwchannel dump ball.kwdoc\n"
+                        "kwchannel dump --objects unknown.plist | less\n"
+                        "kwchannel dump --depth 5 unknown.typedstream\n");
+    command.onRun([arguments] { runDump(*arguments); });
 }

@@ -84,27 +84,26 @@ void runEval(const EvalArguments& arguments) {
 
 } // namespace
 
-void addEvalCommand(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("eval", "Prints the values of channels at times");
+void addEvalCommand(Command& program) {
+    Command command = program.command("eval", "Prints the values of channels at times");
     const auto arguments = std::make_shared<EvalArguments>();
-    command->add_option("DOC", arguments->document, "the document; - is standard input")
-        ->required();
-    command->add_option("CHANNEL", arguments->channels,
-                        "paths such as Ball/Position/x, or what they end with, such as x; all "
-                        "channels when there is none");
-    addTimeOptions(*command, arguments->times);
+    command.option("DOC", arguments->document, "the document; - is standard input").required();
+    command.option("CHANNEL", arguments->channels,
+                   "paths such as Ball/Position/x, or what they end with, such as x; all "
+                   "channels when there is none");
+    addTimeOptions(command, arguments->times);
     command
-        ->add_option("--unit", arguments->units,
-                     "show lengths or angles in this unit: m (the default), dm, cm, mm, in, ft, "
-                     "mi; rad (the default), deg, gr; or its name in your language")
-        ->type_name("NAME[,...]")
-        ->allow_extra_args(false)
-        ->delimiter(',');
-    command->add_flag("--json", arguments->isJson,
-                      "as one JSON object: times, and the values of each channel; what is not "
-                      "finite is null");
-    command->footer("kwchannel eval ball.kwdoc --at 0.5\n"
-                    "kwchannel eval ball.kwdoc Position/y --from 0 --to 2 --step 0.25 --unit cm\n"
-                    "kwchannel eval ball.kwdoc x rotation --at 0,0.5,1 --unit cm,deg --json\n");
-    command->callback([arguments] { runEval(*arguments); });
+        .option("--unit", arguments->units,
+                "show lengths or angles in this unit: m (the default), dm, cm, mm, in, ft, "
+                "mi; rad (the default), deg, gr; or its name in your language")
+        .shownAs("NAME[,...]")
+        .separatedByCommas();
+    command.flag("--json", arguments->isJson,
+                 "as one JSON object: times, and the values of each channel; what is not "
+                 "finite is null");
+    command.setExamples(
+        "kwchannel eval ball.kwdoc --at 0.5\n"
+        "kwchannel eval ball.kwdoc Position/y --from 0 --to 2 --step 0.25 --unit cm\n"
+        "kwchannel eval ball.kwdoc x rotation --at 0,0.5,1 --unit cm,deg --json\n");
+    command.onRun([arguments] { runEval(*arguments); });
 }

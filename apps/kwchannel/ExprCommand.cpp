@@ -142,26 +142,26 @@ void runExpr(const ExprArguments& arguments) {
 
 } // namespace
 
-void addExprCommand(CLI::App& program) {
-    CLI::App* command = program.add_subcommand(
-        "expr", "Shows how an expression is read, its derivative, and its values");
+void addExprCommand(Command& program) {
+    Command command =
+        program.command("expr", "Shows how an expression is read, its derivative, and its values");
     const auto arguments = std::make_shared<ExprArguments>();
     command
-        ->add_option("TEXT", arguments->text,
-                     "the expression, in t: + - * / ^, parentheses, numbers, pi as \u03c0, and "
-                     "exp, ln, log, sqrt, abs, sin, cos, tan, asin, acos, atan, sinh, cosh, tanh; "
-                     "it is shown as channels show it, which need not read back as the same")
-        ->required();
-    command->add_flag("--tree", arguments->showsTree, "draw what it is made of");
-    command->add_flag("--derive", arguments->derives, "show its derivative as well");
-    addTimeOptions(*command, arguments->times);
-    command->add_flag("--xy", arguments->isXY, "it is in x and y; the times are those of x");
-    command->add_option("--y", arguments->y, "the y of every x, 0 when not given")->type_name("Y");
-    command->add_flag("--json", arguments->isJson,
-                      "as one JSON object, trees as lists of nodes; what is not finite is null");
-    command->footer("kwchannel expr \"2*T + 1\"\n"
-                    "kwchannel expr \"sin(t)*exp(-t/3)\" --from 0 --to 6 --step 0.5\n"
-                    "kwchannel expr \"sqrt(t)\" --tree --derive --at 1,4\n"
-                    "kwchannel expr \"x^2 - y\" --xy --y 0.5 --at 0,1 --json\n");
-    command->callback([arguments] { runExpr(*arguments); });
+        .option("TEXT", arguments->text,
+                "the expression, in t: + - * / ^, parentheses, numbers, pi as \u03c0, and "
+                "exp, ln, log, sqrt, abs, sin, cos, tan, asin, acos, atan, sinh, cosh, tanh; "
+                "it is shown as channels show it, which need not read back as the same")
+        .required();
+    command.flag("--tree", arguments->showsTree, "draw what it is made of");
+    command.flag("--derive", arguments->derives, "show its derivative as well");
+    addTimeOptions(command, arguments->times);
+    command.flag("--xy", arguments->isXY, "it is in x and y; the times are those of x");
+    command.option("--y", arguments->y, "the y of every x, 0 when not given").shownAs("Y");
+    command.flag("--json", arguments->isJson,
+                 "as one JSON object, trees as lists of nodes; what is not finite is null");
+    command.setExamples("kwchannel expr \"2*T + 1\"\n"
+                        "kwchannel expr \"sin(t)*exp(-t/3)\" --from 0 --to 6 --step 0.5\n"
+                        "kwchannel expr \"sqrt(t)\" --tree --derive --at 1,4\n"
+                        "kwchannel expr \"x^2 - y\" --xy --y 0.5 --at 0,1 --json\n");
+    command.onRun([arguments] { runExpr(*arguments); });
 }

@@ -195,14 +195,12 @@ void runInfo(const InfoArguments& arguments) {
 
 } // namespace
 
-void addInfoCommand(CLI::App& program) {
-    CLI::App* command =
-        program.add_subcommand("info", "Shows a document's elements, groups and channels");
+void addInfoCommand(Command& program) {
+    Command command = program.command("info", "Shows a document's elements, groups and channels");
     const auto arguments = std::make_shared<InfoArguments>();
-    command->add_option("DOC", arguments->document, "the document; - is standard input")
-        ->required();
-    command->add_flag("--json", arguments->isJson, "as JSON; what is not finite is null");
-    command->footer("kwchannel info ball.kwdoc\n"
-                    "kwchannel info --json ball.kwdoc | jq '.elements[].name'\n");
-    command->callback([arguments] { runInfo(*arguments); });
+    command.option("DOC", arguments->document, "the document; - is standard input").required();
+    command.flag("--json", arguments->isJson, "as JSON; what is not finite is null");
+    command.setExamples("kwchannel info ball.kwdoc\n"
+                        "kwchannel info --json ball.kwdoc | jq '.elements[].name'\n");
+    command.onRun([arguments] { runInfo(*arguments); });
 }

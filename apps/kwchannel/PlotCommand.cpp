@@ -474,56 +474,53 @@ void runPlot(const PlotArguments& arguments) {
 
 } // namespace
 
-void addPlotCommand(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("plot", "Draws channels into a picture");
+void addPlotCommand(Command& program) {
+    Command command = program.command("plot", "Draws channels into a picture");
     const auto arguments = std::make_shared<PlotArguments>();
-    command->add_option("DOC", arguments->document, "the document; - is standard input")
-        ->required();
-    command->add_option("CHANNEL", arguments->channels,
-                        "paths such as Ball/Position/x, or what they end with; all channels when "
-                        "there is none. The first is drawn in front, with its keys");
+    command.option("DOC", arguments->document, "the document; - is standard input").required();
+    command.option("CHANNEL", arguments->channels,
+                   "paths such as Ball/Position/x, or what they end with; all channels when "
+                   "there is none. The first is drawn in front, with its keys");
     command
-        ->add_option("-o,--output", arguments->output,
-                     "the picture, PNG or SVG by its ending; replaced when all is written")
-        ->type_name("FILE.png|.svg")
-        ->required();
-    command->add_option("--size", arguments->size, "width and height in points; 960x540 at first")
-        ->type_name("WxH");
-    command->add_option("--scale", arguments->scale, "pixels a point of a PNG; 2 for fine screens")
-        ->type_name("S");
+        .option("-o,--output", arguments->output,
+                "the picture, PNG or SVG by its ending; replaced when all is written")
+        .shownAs("FILE.png|.svg")
+        .required();
+    command.option("--size", arguments->size, "width and height in points; 960x540 at first")
+        .shownAs("WxH");
+    command.option("--scale", arguments->scale, "pixels a point of a PNG; 2 for fine screens")
+        .shownAs("S");
     command
-        ->add_option("--from", arguments->from,
-                     "the time at the left, in seconds; a little before the first key when not "
-                     "given, 0 without keys")
-        ->type_name("A");
+        .option("--from", arguments->from,
+                "the time at the left, in seconds; a little before the first key when not "
+                "given, 0 without keys")
+        .shownAs("A");
     command
-        ->add_option("--to", arguments->to,
-                     "the time at the right; a little behind the last key, 10 without keys")
-        ->type_name("B");
+        .option("--to", arguments->to,
+                "the time at the right; a little behind the last key, 10 without keys")
+        .shownAs("B");
     command
-        ->add_option("--min", arguments->min,
-                     "the value at the bottom; a little below the lowest one when not given")
-        ->type_name("V");
-    command->add_option("--max", arguments->max, "the value at the top")->type_name("V");
-    command->add_option("--time", arguments->at, "draws the time line here")->type_name("T");
+        .option("--min", arguments->min,
+                "the value at the bottom; a little below the lowest one when not given")
+        .shownAs("V");
+    command.option("--max", arguments->max, "the value at the top").shownAs("V");
+    command.option("--time", arguments->at, "draws the time line here").shownAs("T");
     command
-        ->add_option("--unit", arguments->units,
-                     "show lengths or angles in this unit, as for eval; meters and radians when "
-                     "not given")
-        ->type_name("NAME[,...]")
-        ->allow_extra_args(false)
-        ->delimiter(',');
-    command->add_flag("--light", arguments->isLight, "dark curves on a light ground, for print");
-    command->add_option("--background", arguments->background, "the ground: a name or #rrggbb")
-        ->type_name("COLOUR");
-    command->add_option("--grid-color", arguments->grid, "the lines of the grid")
-        ->type_name("COLOUR");
-    command->add_flag("--no-grid", arguments->hasNoGrid, "leaves out the grid and its numbers");
-    command->add_flag("--no-legend", arguments->hasNoLegend, "leaves out the grid's numbers");
-    command->add_flag("--no-names", arguments->hasNoNames,
-                      "leaves out which of several channels is which");
-    command->footer("kwchannel plot ball.kwdoc Position/y -o ball.png\n"
-                    "kwchannel plot ball.kwdoc -o ball.svg --from 0 --to 2 --unit cm --light\n"
-                    "kwchannel plot ball.kwdoc x y -o ball@2x.png --size 1600x900 --scale 2\n");
-    command->callback([arguments] { runPlot(*arguments); });
+        .option("--unit", arguments->units,
+                "show lengths or angles in this unit, as for eval; meters and radians when "
+                "not given")
+        .shownAs("NAME[,...]")
+        .separatedByCommas();
+    command.flag("--light", arguments->isLight, "dark curves on a light ground, for print");
+    command.option("--background", arguments->background, "the ground: a name or #rrggbb")
+        .shownAs("COLOUR");
+    command.option("--grid-color", arguments->grid, "the lines of the grid").shownAs("COLOUR");
+    command.flag("--no-grid", arguments->hasNoGrid, "leaves out the grid and its numbers");
+    command.flag("--no-legend", arguments->hasNoLegend, "leaves out the grid's numbers");
+    command.flag("--no-names", arguments->hasNoNames,
+                 "leaves out which of several channels is which");
+    command.setExamples("kwchannel plot ball.kwdoc Position/y -o ball.png\n"
+                        "kwchannel plot ball.kwdoc -o ball.svg --from 0 --to 2 --unit cm --light\n"
+                        "kwchannel plot ball.kwdoc x y -o ball@2x.png --size 1600x900 --scale 2\n");
+    command.onRun([arguments] { runPlot(*arguments); });
 }

@@ -53,29 +53,26 @@ void runSet(const SetArguments& arguments) {
 
 } // namespace
 
-void addSetCommand(CLI::App& program) {
-    CLI::App* command =
-        program.add_subcommand("set", "Gives a channel of a document an expression");
+void addSetCommand(Command& program) {
+    Command command = program.command("set", "Gives a channel of a document an expression");
     const auto arguments = std::make_shared<SetArguments>();
-    command->add_option("DOC", arguments->document, "the document; - is standard input")
-        ->required();
+    command.option("DOC", arguments->document, "the document; - is standard input").required();
     command
-        ->add_option("CHANNEL", arguments->channel,
-                     "its path, such as Ball/Position/x, or what that ends with, such as x; a "
-                     "channel of another kind becomes an expression, with its name, colour, unit "
-                     "and group, and without its keys or value")
-        ->required();
-    command->add_option("TEXT", arguments->text, "the expression, in t; see kwchannel expr")
-        ->required();
+        .option("CHANNEL", arguments->channel,
+                "its path, such as Ball/Position/x, or what that ends with, such as x; a "
+                "channel of another kind becomes an expression, with its name, colour, unit "
+                "and group, and without its keys or value")
+        .required();
+    command.option("TEXT", arguments->text, "the expression, in t; see kwchannel expr").required();
     command
-        ->add_option("-o,--output", arguments->output,
-                     "the file to write instead of DOC, in the form of DOC; - is standard output. "
-                     "The file is replaced as a whole or not at all")
-        ->type_name("OUT");
-    command->add_flag("--lossy", arguments->isLossy,
-                      "write also when the document's form cannot carry everything; what is lost "
-                      "is told either way");
-    command->footer("kwchannel set ball.kwdoc Position/x \"1.5*sin(t)\"\n"
-                    "kwchannel set ball.kwdoc rotation \"-2*\u03c0*t\" -o rolling.kwdoc\n");
-    command->callback([arguments] { runSet(*arguments); });
+        .option("-o,--output", arguments->output,
+                "the file to write instead of DOC, in the form of DOC; - is standard output. "
+                "The file is replaced as a whole or not at all")
+        .shownAs("OUT");
+    command.flag("--lossy", arguments->isLossy,
+                 "write also when the document's form cannot carry everything; what is lost "
+                 "is told either way");
+    command.setExamples("kwchannel set ball.kwdoc Position/x \"1.5*sin(t)\"\n"
+                        "kwchannel set ball.kwdoc rotation \"-2*\u03c0*t\" -o rolling.kwdoc\n");
+    command.onRun([arguments] { runSet(*arguments); });
 }

@@ -3,18 +3,16 @@
 #include <apps/kwchannel/Channels.h>
 #include <apps/kwchannel/TimeOptions.h>
 
-void addTimeOptions(CLI::App& command, TimeArguments& arguments) {
-    command.add_option("--at", arguments.at, "these times, in seconds")
-        ->type_name("T[,...]")
-        ->allow_extra_args(false)
-        ->delimiter(',');
-    command.add_option("--from", arguments.from, "the first time, in seconds")->type_name("A");
+void addTimeOptions(Command& command, TimeArguments& arguments) {
+    command.option("--at", arguments.at, "these times, in seconds")
+        .shownAs("T[,...]")
+        .separatedByCommas();
+    command.option("--from", arguments.from, "the first time, in seconds").shownAs("A");
     command
-        .add_option(
-            "--to", arguments.to,
-            "no time after this one, in seconds; the times are A + k * S for k = 0, 1, 2, ...")
-        ->type_name("B");
-    command.add_option("--step", arguments.step, "seconds from time to time")->type_name("S");
+        .option("--to", arguments.to,
+                "no time after this one, in seconds; the times are A + k * S for k = 0, 1, 2, ...")
+        .shownAs("B");
+    command.option("--step", arguments.step, "seconds from time to time").shownAs("S");
 }
 
 std::vector<float> timesOf(const TimeArguments& arguments, const std::string& more) {

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <apps/common/CommandLine.h>
+
 #include <string>
 #include <vector>
 
@@ -17,7 +18,7 @@ struct TimeArguments {
 inline constexpr std::uint64_t largestValueCount = 20'000'000;
 
 /// `arguments` must live as long as the command.
-void addTimeOptions(CLI::App& command, TimeArguments& arguments);
+void addTimeOptions(Command& command, TimeArguments& arguments);
 
 /// The times that were named, `more` being what to say to whoever wants more than
 /// largestValueCount. UseError.

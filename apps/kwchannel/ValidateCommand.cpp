@@ -68,16 +68,15 @@ void runValidate(const ValidateArguments& arguments) {
 
 } // namespace
 
-void addValidateCommand(CLI::App& program) {
-    CLI::App* command = program.add_subcommand(
+void addValidateCommand(Command& program) {
+    Command command = program.command(
         "validate", "Looks for everything that is wrong in a document and tells where it is");
     const auto arguments = std::make_shared<ValidateArguments>();
-    command->add_option("DOC", arguments->document, "the document; - is standard input")
-        ->required();
-    command->add_flag("--json", arguments->isJson,
-                      "as one JSON object, with the faults as a list; keys count from 1");
-    command->footer("kwchannel validate ball.kwdoc\n"
-                    "kwchannel validate ball.kwdoc > faults.txt || less faults.txt\n"
-                    "kwchannel validate --json ball.kwdoc | jq '.faults[].place'\n");
-    command->callback([arguments] { runValidate(*arguments); });
+    command.option("DOC", arguments->document, "the document; - is standard input").required();
+    command.flag("--json", arguments->isJson,
+                 "as one JSON object, with the faults as a list; keys count from 1");
+    command.setExamples("kwchannel validate ball.kwdoc\n"
+                        "kwchannel validate ball.kwdoc > faults.txt || less faults.txt\n"
+                        "kwchannel validate --json ball.kwdoc | jq '.faults[].place'\n");
+    command.onRun([arguments] { runValidate(*arguments); });
 }

@@ -1,82 +1,85 @@
 #include <KWFoundation/KWLog.h>
 
+#include <apps/common/CommandLine.h>
+#include <apps/common/Errors.h>
 #include <apps/common/ExitCodes.h>
 #include <apps/common/Output.h>
 #include <apps/common/Text.h>
 #include <apps/kwedit/OpenEditor.h>
 #include <apps/kwedit/RenderCommand.h>
 
-#include <CLI/CLI.hpp>
+#include <algorithm>
 
 namespace {
 
-void declareProgram(CLI::App& program, KWEditArguments& arguments) {
-    program.name("kwedit");
-    program.description("Edits documents of animated sprites, and renders their frames");
-    program.set_help_flag("-h,--help", "Shows this and ends");
-    program.set_version_flag("--version", "kwedit " KWEDIT_VERSION, "Shows the version and ends");
-    program.add_option("DOC", arguments.documents, "documents to open, or the one to render")
-        ->type_name("");
-    CLI::Option* const render = program.add_flag("--render", arguments.isRendering,
-                                                 "renders without a window, and needs no screen");
+void declare(CommandLine& program, KWEditArguments& arguments) {
+    program.option("DOC", arguments.documents, "documents to open, or the one to render")
+        .shownAs("");
+    const CommandOption render = program.flag("--render", arguments.isRendering,
+                                              "renders without a window, and needs no screen");
     program
-        .add_option("--frames", arguments.frames,
-                    "the first and the last frame; frame k is the one at k / fps seconds; the "
-                    "document's own range when not given")
-        ->type_name("A-B")
-        ->needs(render);
+        .option("--frames", arguments.frames,
+                "the first and the last frame; frame k is the one at k / fps seconds; the "
+                "document's own range when not given")
+        .shownAs("A-B")
+        .onlyWith(render);
     program
-        .add_option(
-            "-o,--output", arguments.output,
-            "the folder for the frames, NAME.0000.png and so on, or a file for a movie that "
-            "ends in .mp4, .mov, .mkv, .webm or .gif")
-        ->type_name("DIR|FILE")
-        ->needs(render);
-    program.add_option("--size", arguments.size, "pixels; the document's own when not given")
-        ->type_name("WxH")
-        ->needs(render);
+        .option("-o,--output", arguments.output,
+                "the folder for the frames, NAME.0000.png and so on, or a file for a movie that "
+                "ends in .mp4, .mov, .mkv, .webm or .gif")
+        .shownAs("DIR|FILE")
+        .onlyWith(render);
     program
-        .add_option("--fps", arguments.framesPerSecond,
-                    "frames a second; the document's own when not given")
-        ->type_name("N")
-        ->needs(render);
+        .option("--size", arguments.size,
+                "pixels: of a frame, of one on a filmstrip, or of the window on a screenshot; the "
+                "document's own, 320 wide, or 1440x900 when not given")
+        .shownAs("WxH");
     program
-        .add_option("-j,--jobs", arguments.jobs,
-                    "how many frames to draw at once; one for each core when not given")
-        ->type_name("N")
-        ->needs(render);
+        .option("--fps", arguments.framesPerSecond,
+                "frames a second; the document's own when not given")
+        .shownAs("N")
+        .onlyWith(render);
     program
-        .add_option("--name", arguments.name, "what the frames' files begin with; the document's")
-        ->type_name("NAME")
-        ->needs(render);
+        .option("-j,--jobs", arguments.jobs,
+                "how many frames to draw at once; one for each core when not given")
+        .shownAs("N")
+        .onlyWith(render);
+    program.option("--name", arguments.name, "what the frames' files begin with; the document's")
+        .shownAs("NAME")
+        .onlyWith(render);
     program
-        .add_flag("--skip-existing", arguments.skipsExisting,
-                  "leaves alone the frames that are there already")
-        ->needs(render);
+        .flag("--skip-existing", arguments.skipsExisting,
+              "leaves alone the frames that are there already")
+        .onlyWith(render);
     program
-        .add_flag("--strict", arguments.isStrict,
-                  "renders nothing when content is missing, in place of placeholders")
-        ->needs(render);
+        .flag("--strict", arguments.isStrict,
+              "renders nothing when content is missing, in place of placeholders")
+        .onlyWith(render);
     program
-        .add_option("--filmstrip", arguments.filmstrip,
-                    "draws N frames of the range on one sheet, a PNG")
-        ->type_name("N")
-        ->needs(render);
+        .option("--filmstrip", arguments.filmstrip,
+                "draws N frames of the range on one sheet, a PNG")
+        .shownAs("N")
+        .onlyWith(render);
     program
-        .add_option("--screenshot", arguments.screenshot,
-                    "draws the window on the document into a PNG and ends; needs no screen")
-        ->type_name("FILE")
-        ->excludes(render);
+        .option("--screenshot", arguments.screenshot,
+                "draws the window on the document into a PNG and ends; needs no screen")
+        .shownAs("FILE");
     program
-        .add_option("--language", arguments.language,
-                    "of the menus: en, de or fr; otherwise as set in them, or the system's")
-        ->type_name("CODE")
-        ->check(CLI::IsMember({"en", "de", "fr"}))
-        ->excludes(render);
-    program.add_flag("--tour", arguments.isTour, "walks through one edit")->excludes(render);
-    program.footer("kwedit ball.kwdoc\n"
-                   "kwedit --render ball.kwdoc --frames 0-99 -o frames\n"
-                   "kwedit --render ball.kwdoc -o ball.mp4 --size 1920x1080 --fps 50\n");
+        .option("--language", arguments.language,
+                "of the menus: en, de or fr; otherwise as set in them, or the system's")
+        .shownAs("CODE")
+        .oneOf({"en", "de", "fr"});
+    program.flag("--tour", arguments.isTour, "walks through one edit");
+    program.setExamples("kwedit ball.kwdoc\n"
+                        "kwedit --render ball.kwdoc --frames 0-99 -o frames\n"
+                        "kwedit --render ball.kwdoc -o ball.mp4 --size 1920x1080 --fps 50\n");
+    program.addManualSection(
+        "EXIT STATUS",
+        ".TP\n.B 0\ndone\n"
+        ".TP\n.B 1\nbad data: a document that is damaged, or without content that it needs\n"
+        ".TP\n.B 2\nwrong use\n"
+        ".TP\n.B 3\nsomething cannot be read or written\n"
+        ".TP\n.B 130\ninterrupted\n");
 }
 
 int refuse(const std::string& text) {
@@ -94,19 +97,16 @@ int main(int argc, char** argv) {
     });
     KWEditArguments arguments;
     try {
-        CLI::App program;
-        declareProgram(program, arguments);
-        try {
-            program.parse(argc, argv);
-        } catch (const CLI::CallForHelp&) {
-            print(program.help());
+        CommandLine program("kwedit",
+                            "Edits documents of animated sprites, and renders their frames",
+                            KWEDIT_VERSION);
+        declare(program, arguments);
+        if (const auto text = program.parse({argv + std::min(argc, 1), argv + argc})) {
+            print(*text);
             return exitDone;
-        } catch (const CLI::CallForVersion& call) {
-            print(std::string(call.what()) + "\n");
-            return exitDone;
-        } catch (const CLI::ParseError& error) {
-            return refuse(error.what());
         }
+    } catch (const UseError& error) {
+        return refuse(error.what());
     } catch (const std::exception& error) {
         complain(printable(error.what()));
         return exitInputOutput;

@@ -1,4 +1,4 @@
-#include <apps/kwchannel/Manual.h>
+#include <apps/common/Manual.h>
 
 #include <algorithm>
 
@@ -36,7 +36,7 @@ std::string usage(const CLI::App& command) {
         text += option->get_required() ? " " + name : " [" + name + "]";
     }
     for (const CLI::Option* option : optionsOf(command, false)) {
-        if (option->get_name().find("--help") != std::string::npos)
+        if (option->check_lname("help") || option->check_lname("version"))
             continue;
         const std::string name = spelled(*option);
         text += option->get_required() ? " " + name : " [" + name + "]";
@@ -79,63 +79,76 @@ std::string roffOptions(const CLI::App& app) {
 
 } // namespace
 
-std::string manualPage(const CLI::App& program) {
+std::string manualPage(const CLI::App& program, const std::vector<ManualSection>& sections) {
     const std::string name = program.get_name();
-    std::string text = ".TH KWCHANNEL 1 \"\" \"" + name + " " + program.version() + "\"\n" +
-                       ".SH NAME\n" + name + " \\- " + roff(program.get_description()) +
+    std::string capitals = name;
+    std::transform(capitals.begin(), capitals.end(), capitals.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
+    std::string text = ".TH " + capitals + " 1 \"\" \"" + name + " " + program.version() +
+                       "\"\n.SH NAME\n" + name + " \\- " + roff(program.get_description()) +
                        "\n.SH SYNOPSIS\n";
-    for (const CLI::App* command : commandsOf(program)) {
-        const std::string arguments = usage(*command);
-        text += ".B " + name + " " + command->get_name() + "\n" +
-                (arguments.empty() ? "" : roff(arguments).substr(1) + "\n") + ".br\n";
-    }
-    text += ".SH EXAMPLES\n.nf\n" + roff(examplesOf(program)) + ".fi\n.SH COMMANDS\n";
-    for (const CLI::App* command : commandsOf(program))
+    const auto addUsage = [&text](const std::string& words, const std::string& arguments) {
+        text += ".B " + words + "\n" + (arguments.empty() ? "" : roff(arguments).substr(1) + "\n") +
+                ".br\n";
+    };
+    const std::vector<const CLI::App*> commands = commandsOf(program);
+    for (const CLI::App* command : commands)
+        addUsage(name + " " + command->get_name(), usage(*command));
+    if (commands.empty())
+        addUsage(name, usage(program));
+    text += ".SH EXAMPLES\n.nf\n" + roff(examplesOf(program)) + ".fi\n";
+    if (!commands.empty())
+        text += ".SH COMMANDS\n";
+    for (const CLI::App* command : commands)
         text += ".SS " + name + " " + command->get_name() + "\n" +
                 roff(command->get_description()) + ".\n.PP\n.nf\n" + roff(examplesOf(*command)) +
                 ".fi\n" + roffOptions(*command);
     text += ".SH OPTIONS\n" + roffOptions(program);
-    text += ".SH ADDRESSES\nA channel is named by its path, Element/Group/Channel, or by any "
-            "trailing part of it that names one channel alone. Channels of one and the same path "
-            "are told apart by #1, #2 and so on behind it.\n"
-            ".SH EXIT STATUS\n"
-            ".TP\n.B 0\ndone\n.TP\n.B 1\nbad data: a damaged document, one with faults or with "
-            "channels that cannot be evaluated, one that would lose something, or an expression "
-            "that cannot be read or has no derivative\n.TP\n.B 2\nwrong "
-            "use\n.TP\n.B 3\nsomething cannot be read or "
-            "written\n.TP\n.B 130\ninterrupted\n";
+    for (const ManualSection& section : sections)
+        text += ".SH " + section.title + "\n" + section.text;
     return text;
 }
 
-std::string bashCompletion(const CLI::App& program) {
-    const auto optionWords = [](const CLI::App& app) {
-        std::string words;
-        for (const CLI::Option* option : optionsOf(app, false)) {
-            for (const std::string& name : option->get_snames())
-                words += " -" + name;
-            for (const std::string& name : option->get_lnames())
-                words += " --" + name;
-        }
-        return words.empty() ? words : words.substr(1);
-    };
+namespace {
+
+/// "-o --output --json".
+std::string optionWords(const CLI::App& app) {
+    std::string words;
+    for (const CLI::Option* option : optionsOf(app, false)) {
+        for (const std::string& name : option->get_snames())
+            words += " -" + name;
+        for (const std::string& name : option->get_lnames())
+            words += " --" + name;
+    }
+    return words.empty() ? words : words.substr(1);
+}
+
+/// A case for each option whose value is one of a few words, which are written small in the help.
+std::string choicesOf(const CLI::App& app, const std::string& before) {
+    std::string cases;
+    for (const CLI::Option* option : optionsOf(app, false)) {
+        std::string values = option->get_type_name();
+        const bool isChoice = std::all_of(values.begin(), values.end(), [](char c) {
+            return c == '|' || (c >= 'a' && c <= 'z');
+        });
+        if (option->get_type_size() == 0 || !isChoice || values.find('|') == std::string::npos)
+            continue;
+        std::replace(values.begin(), values.end(), '|', ' ');
+        cases += "    " + before + "--" + option->get_lnames().front() + ") words=\"" + values +
+                 "\" ;;\n";
+    }
+    return cases;
+}
+
+/// Completes one word: the first by the commands, others by what their command takes.
+std::string completionOfCommands(const CLI::App& program) {
     std::string commands, cases, choices;
     for (const CLI::App* command : commandsOf(program)) {
         commands += command->get_name() + " ";
         cases += "    " + command->get_name() + ") words=\"" + optionWords(*command) + "\" ;;\n";
-        for (const CLI::Option* option : optionsOf(*command, false)) {
-            std::string values = option->get_type_name();
-            if (option->get_type_size() == 0 || values.find('|') == std::string::npos)
-                continue;
-            std::replace(values.begin(), values.end(), '|', ' ');
-            choices += "    " + command->get_name() + ":--" + option->get_lnames().front() +
-                       ") words=\"" + values + "\" ;;\n";
-        }
+        choices += choicesOf(*command, command->get_name() + ":");
     }
-    const std::string name = program.get_name();
-    return "# bash completion for " + name + "\n" + "_" + name + "() {\n" +
-           "  local current=\"${COMP_WORDS[COMP_CWORD]}\" words=\"\"\n"
-           "  COMPREPLY=()\n"
-           "  if [ \"$COMP_CWORD\" -eq 1 ]; then\n"
+    return "  if [ \"$COMP_CWORD\" -eq 1 ]; then\n"
            "    COMPREPLY=($(compgen -W \"" +
            commands + optionWords(program) +
            "\" -- \"$current\"))\n"
@@ -155,7 +168,36 @@ std::string bashCompletion(const CLI::App& program) {
            "  case \"${COMP_WORDS[1]}\" in\n" +
            cases +
            "  esac\n"
-           "  COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n"
+           "  COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n";
+}
+
+/// Of a program without commands: options, and else files.
+std::string completionOfOptions(const CLI::App& program) {
+    const std::string choices = choicesOf(program, "");
+    return (choices.empty()
+                ? ""
+                : "  case \"${COMP_WORDS[COMP_CWORD-1]}\" in\n" + choices + "  esac\n") +
+           "  case \"$current\" in\n"
+           "  -*) words=\"" +
+           optionWords(program) +
+           "\" ;;\n"
+           "  esac\n"
+           "  if [ -n \"$words\" ]; then\n"
+           "    COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n"
+           "  else\n"
+           "    compopt -o filenames; COMPREPLY=($(compgen -f -- \"$current\"))\n"
+           "  fi\n";
+}
+
+} // namespace
+
+std::string bashCompletion(const CLI::App& program) {
+    const std::string name = program.get_name();
+    return "# bash completion for " + name + "\n" + "_" + name + "() {\n" +
+           "  local current=\"${COMP_WORDS[COMP_CWORD]}\" words=\"\"\n"
+           "  COMPREPLY=()\n" +
+           (commandsOf(program).empty() ? completionOfOptions(program)
+                                        : completionOfCommands(program)) +
            "}\n"
            "complete -F _" +
            name + " " + name + "\n";

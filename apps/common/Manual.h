@@ -2,9 +2,16 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
 
-/// The manual page, as roff source.
-std::string manualPage(const CLI::App& program);
+/// Text in roff under a heading in capitals.
+struct ManualSection {
+    std::string title;
+    std::string text;
+};
+
+/// The manual page, as roff source. The sections stand at its end.
+std::string manualPage(const CLI::App& program, const std::vector<ManualSection>& sections);
 
 /// The completion script for bash.
 std::string bashCompletion(const CLI::App& program);
