@@ -9,11 +9,10 @@ kw_build_packages=(
     libgl1-mesa-dev libglu1-mesa-dev                            # the image viewer
     qt6-image-formats-plugins fonts-dejavu-core # for the views, when they run
 )
-# What the tests, the benchmarks and the fuzzers need besides.
+# What the tests and the benchmarks need besides.
 kw_test_packages=(
     libgtest-dev libbenchmark-dev libplist-dev python3 locales
-    clang libclang-rt-14-dev # for the fuzzers
-    ffmpeg                   # makes the movies of the tests
+    ffmpeg                     # makes the movies of the tests
     xvfb xauth libgl1-mesa-dri # OpenGL with no screen
 )
 
