@@ -13,7 +13,7 @@
 namespace {
 
 using Index = std::uint32_t;
-constexpr Index none = 0xffffffff;
+constexpr Index noNode = 0xffffffff;
 
 using Edge = std::pair<Index, Index>;
 
@@ -50,9 +50,9 @@ struct Visit {
 class Components {
   public:
     Components(Index nodeCount, const Edges& edges)
-        : ofNode(nodeCount, none), _edges(edges), _number(nodeCount, none), _lowest(nodeCount) {
+        : ofNode(nodeCount, noNode), _edges(edges), _number(nodeCount, noNode), _lowest(nodeCount) {
         for (Index node = 0; node < nodeCount; ++node)
-            if (_number[node] == none)
+            if (_number[node] == noNode)
                 visitFrom(node);
         std::ranges::reverse(lists);
         for (Index k = 0; k < lists.size(); ++k)
@@ -77,9 +77,9 @@ class Components {
             const auto targets = _edges.of(node);
             if (_way.back().next < targets.size()) {
                 const Index target = targets[_way.back().next++];
-                if (_number[target] == none)
+                if (_number[target] == noNode)
                     begin(target);
-                else if (ofNode[target] == none)
+                else if (ofNode[target] == noNode)
                     _lowest[node] = std::min(_lowest[node], _number[target]);
                 continue;
             }
@@ -116,14 +116,14 @@ class Order {
     /// `fixed` are those of `all` edges by which a node holds another for good.
     Order(Index nodeCount, std::span<const Edge> all, std::span<const Edge> fixed)
         : _all(nodeCount, all), _fixed(nodeCount, fixed), _holders(nodeCount, fixed, true),
-          _components(nodeCount, _all), _places(nodeCount, none), _freeHolders(nodeCount),
+          _components(nodeCount, _all), _places(nodeCount, noNode), _freeHolders(nodeCount),
           _reached(nodeCount, Reached::never), _isVisited(nodeCount) {
         for (Index node = 0; node < nodeCount; ++node)
             _freeHolders[node] = static_cast<Index>(_holders.of(node).size());
     }
 
     void find(Index root) {
-        if (root != none)
+        if (root != noNode)
             _reached[root] = Reached::fromRoot;
         for (_component = 0; _component < _components.lists.size(); ++_component) {
             const std::vector<Index>& nodes = _components.lists[_component];
@@ -136,7 +136,7 @@ class Order {
             }
             // Nobody refers to these yet. Somebody may later, and first to what was met first.
             for (const Index node : nodes)
-                if (_places[node] == none) {
+                if (_places[node] == noNode) {
                     reach(node, Reached::fromElsewhere);
                     takeQueued();
                 }
@@ -181,7 +181,7 @@ class Order {
     }
 
     void take(Index node) {
-        if (_places[node] != none)
+        if (_places[node] != noNode)
             return;
         _places[node] = _count++;
         for (const Index target : _fixed.of(node))
@@ -193,7 +193,7 @@ class Order {
 
     void takeBehindHolders(Index last) {
         const auto begin = [this](Index node) {
-            if (_places[node] == none && !_isVisited[node]) {
+            if (_places[node] == noNode && !_isVisited[node]) {
                 _isVisited[node] = true;
                 _way.push_back({node});
             }
@@ -278,13 +278,13 @@ class KWArchiveCycles::Graph {
     void addNode(const void* identity) {
         _nodes.try_emplace(identity, static_cast<Index>(_nodes.size()));
     }
-    /// none for what refers to nothing, or was added before.
+    /// noNode for what refers to nothing, or was added before.
     Index node(const void* identity) const {
         const auto found = _nodes.find(identity);
-        return found == _nodes.end() ? none : found->second;
+        return found == _nodes.end() ? noNode : found->second;
     }
     static void addEdge(std::vector<Edge>& edges, Index from, Index to) {
-        if (to != none)
+        if (to != noNode)
             edges.emplace_back(from, to);
     }
 
@@ -305,7 +305,7 @@ class KWArchiveCycles::Graph {
         if (!isObjectItself(value))
             return;
         const Index to = node(value.identity());
-        if (to != none && order.isAgainst({node(from), to}))
+        if (to != noNode && order.isAgainst({node(from), to}))
             value = KWArchiveValue::backReference(value.object());
     }
     void cutFields(const Order& order, const Unknown& unknown) const {

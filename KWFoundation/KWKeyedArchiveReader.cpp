@@ -1,3 +1,4 @@
+#include <KWFoundation/KWKeyedArchiveFormat.h>
 #include <KWFoundation/KWKeyedArchiveReader.h>
 
 #include <algorithm>
@@ -12,9 +13,6 @@ using Kind = KWPropertyList::Kind;
 namespace {
 
 using Cluster = KWKeyedArchiveReader::Cluster;
-
-constexpr std::int64_t archiveVersion = 100000;
-constexpr std::string_view nullName = "$null";
 
 const char* kindText(Kind kind) {
     switch (kind) {
@@ -114,9 +112,9 @@ void KWKeyedArchiveReader::readFrame() {
         damaged(root, "not a keyed archive: it has no dictionary \"$top\"");
     const Index version = list.valueForKey(root, "$version");
     if (version != none &&
-        (list.kind(version) != Kind::integer || list.intValue(version) != archiveVersion))
+        (list.kind(version) != Kind::integer || list.intValue(version) != kwKeyedArchiveVersion))
         fail(KWArchiveError::Kind::unsupported, version,
-             "the archive is not of version " + std::to_string(archiveVersion));
+             "the archive is not of version " + std::to_string(kwKeyedArchiveVersion));
     objects = list.children(objectsNode);
     frame = topNode;
     states.reset(static_cast<Slot*>(std::calloc(objects.size() + 1, sizeof(Slot))));
@@ -134,8 +132,9 @@ Index KWKeyedArchiveReader::target(Index reference) const {
         damaged(reference, "a reference to object " + std::to_string(slot) + " of " +
                                std::to_string(objects.size()));
     const Index node = objects[slot];
-    const bool isNull = slot == 0 || list.kind(node) == Kind::null ||
-                        (list.kind(node) == Kind::string && list.stringValue(node) == nullName);
+    const bool isNull =
+        slot == 0 || list.kind(node) == Kind::null ||
+        (list.kind(node) == Kind::string && list.stringValue(node) == kwKeyedArchiveNull);
     return isNull ? none : node;
 }
 

@@ -1,3 +1,4 @@
+#include <KWFoundation/KWKeyedArchiveFormat.h>
 #include <KWFoundation/KWKeyedArchiver.h>
 #include <KWFoundation/KWLog.h>
 #include <KWFoundation/KWUnknownObject.h>
@@ -14,8 +15,6 @@ namespace {
 using Index = KWPropertyList::Index;
 using Slot = std::uint32_t;
 
-constexpr std::int64_t archiveVersion = 100000;
-constexpr std::string_view nullName = "$null";
 constexpr Slot nullSlot = 0;
 
 } // namespace
@@ -28,7 +27,7 @@ struct KWKeyedArchiver::Impl {
         std::vector<Index> values;
     };
 
-    Impl() : slots{list.addString(nullName)} {}
+    Impl() : slots{list.addString(kwKeyedArchiveNull)} {}
 
     // --- Slots.
 
@@ -123,7 +122,7 @@ struct KWKeyedArchiver::Impl {
 
     void writeString(Slot slot, const KWArchiveString& string) {
         // A bare "$null" would read back as nil.
-        if (!string.isMutable && string.text != nullName) {
+        if (!string.isMutable && string.text != kwKeyedArchiveNull) {
             slots[slot] = list.addString(string.text);
             return;
         }
@@ -315,7 +314,7 @@ struct KWKeyedArchiver::Impl {
         const Frame& top = frames.front();
         const Index keys[] = {list.addString("$version"), list.addString("$top"),
                               list.addString("$archiver"), list.addString("$objects")};
-        const Index values[] = {list.addInt(archiveVersion),
+        const Index values[] = {list.addInt(kwKeyedArchiveVersion),
                                 list.addDictionary(top.keys, top.values),
                                 list.addString("NSKeyedArchiver"), objects};
         list.setRoot(list.addDictionary(keys, values));

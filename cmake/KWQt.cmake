@@ -30,12 +30,16 @@ if(NOT TARGET OpenGL::GL OR NOT TARGET OpenGL::GLU OR NOT TARGET Qt6::OpenGLWidg
         "out: cmake --preset headless, or -DKWBASE_VIEWS=OFF.")
 endif()
 
-# kw_use_qt(<target>)
+# kw_use_qt(<target> [REUSES_HEADERS])
 #
 # Has the target's own classes read by moc, and keeps Qt's short keywords and its silent conversions
-# from char* out of it. Qt's headers are most of what its sources read, so they are read once.
+# from char* out of it. Qt's headers are most of what its sources read, so they are read once; with
+# REUSES_HEADERS the target has precompiled ones of another already.
 function(kw_use_qt target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "REUSES_HEADERS" "" "")
     target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII)
     set_target_properties(${target} PROPERTIES AUTOMOC ON)
-    target_precompile_headers(${target} PRIVATE <QApplication> <QMouseEvent> <QPainter>)
+    if(NOT arg_REUSES_HEADERS)
+        target_precompile_headers(${target} PRIVATE <QApplication> <QMouseEvent> <QPainter>)
+    endif()
 endfunction()

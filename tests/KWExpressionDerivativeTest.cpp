@@ -1,4 +1,5 @@
 #include "ExpressionReference.h"
+#include "Thoroughness.h"
 
 #include <KWBase/KWExpressionText.h>
 #include <KWBase/KWExpressionTree.h>
@@ -214,11 +215,10 @@ TEST(KWExpressionDerivative, TheRecurringShapesKeepToTheMaximumSize) {
 
 TEST(KWExpressionDerivative, SumsOfAMillionLevelsAreDerived) {
     using reference::Lean;
-    constexpr int million = 1'000'000;
     for (Lean lean : {Lean::left, Lean::right, Lean::zigzag}) {
-        const KWOwnedTree sum(reference::chain(KWExpressionAdd, million, lean));
+        const KWOwnedTree sum(reference::chain(KWExpressionAdd, levelsBeyondTheStack, lean));
         const KWOwnedTree result(Deriv_arbre(sum.get()));
-        EXPECT_EQ(countOf(result.get()), 2u * million + 1);
+        EXPECT_EQ(countOf(result.get()), 2u * levelsBeyondTheStack + 1);
         std::int16_t err = 0;
         EXPECT_EQ(ComputeTree(result.get(), 0, 0, &err), 1.0f);
     }

@@ -1,4 +1,5 @@
 #include "ExpressionReference.h"
+#include "Thoroughness.h"
 
 #include <KWBase/KWExpressionTree.h>
 
@@ -8,8 +9,6 @@
 #include <limits>
 
 namespace {
-
-constexpr int million = 1'000'000;
 
 std::string written(const ExprNode* tree) {
     std::string text;
@@ -169,13 +168,14 @@ TEST(KWExpressionPrinter, ACommaDecimalLocaleChangesNothing) {
 TEST(KWExpressionPrinter, TreesOfAMillionLevelsArePrinted) {
     using reference::Lean;
     for (Lean lean : {Lean::left, Lean::right, Lean::zigzag}) {
-        const KWOwnedTree sum(reference::chain(KWExpressionAdd, million, lean));
-        EXPECT_EQ(written(sum.get()).size(), 2u * million + 1);
-        const KWOwnedTree quotient(reference::chain(KWExpressionDivide, million, lean));
-        EXPECT_GE(written(quotient.get()).size(), 2u * million + 1);
+        const KWOwnedTree sum(reference::chain(KWExpressionAdd, levelsBeyondTheStack, lean));
+        EXPECT_EQ(written(sum.get()).size(), 2u * levelsBeyondTheStack + 1);
+        const KWOwnedTree quotient(
+            reference::chain(KWExpressionDivide, levelsBeyondTheStack, lean));
+        EXPECT_GE(written(quotient.get()).size(), 2u * levelsBeyondTheStack + 1);
     }
-    const KWOwnedTree nested(reference::chain(KWExpressionExp, million, Lean::left));
-    EXPECT_EQ(written(nested.get()).size(), 5u * million + 1);
+    const KWOwnedTree nested(reference::chain(KWExpressionExp, levelsBeyondTheStack, Lean::left));
+    EXPECT_EQ(written(nested.get()).size(), 5u * levelsBeyondTheStack + 1);
 }
 
 TEST(KWExpressionPrinter, TheLongestTextIsPrinted) {

@@ -1,5 +1,6 @@
 #include "ExpressionReference.h"
 #include "ExpressionTargets.h"
+#include "Thoroughness.h"
 
 #include <KWBase/KWExpressionBatch.h>
 #include <KWBase/KWExpressionProgram.h>
@@ -23,7 +24,6 @@ using Floats = std::vector<float>;
 
 constexpr float someY = 1.25f;
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
-constexpr int million = 1'000'000;
 
 KWOwnedTree number(float value) {
     return KWOwnedTree(reference::constant(value));
@@ -520,12 +520,12 @@ TEST(KWExpressionProgram, TreesOfAMillionLevelsAreEvaluated) {
     const KWOwnedTree others[] = {x(), node(9, x())};
     for (const KWOwnedTree& other : others) {
         for (const bool isLeft : {false, true}) {
-            expectAnswersAsTheTree(chain(million, 1, isLeft, other).get(), xs, 0,
+            expectAnswersAsTheTree(chain(levelsBeyondTheStack, 1, isLeft, other).get(), xs, 0,
                                    isLeft ? "left" : "right");
         }
     }
     KWOwnedTree functions = x();
-    for (int k = 0; k < million; ++k)
+    for (int k = 0; k < levelsBeyondTheStack; ++k)
         functions = node(10, std::move(functions));
     expectAnswersAsTheTree(functions.get(), xs, 0, "functions");
 }

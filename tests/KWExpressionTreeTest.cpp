@@ -1,4 +1,5 @@
 #include "ExpressionReference.h"
+#include "Thoroughness.h"
 
 #include <KWBase/KWExpressionTree.h>
 
@@ -11,7 +12,6 @@ namespace {
 
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
-constexpr int million = 1'000'000;
 
 static_assert(std::is_trivially_copyable_v<ExprNode>);
 static_assert(std::is_nothrow_move_constructible_v<KWOwnedTree>);
@@ -314,12 +314,13 @@ TEST(KWExpressionTree, RandomTreesComputeAsThePlainWalkDoes) {
 TEST(KWExpressionTree, TreesOfAMillionLevelsAreEvaluatedCopiedAndFreed) {
     for (reference::Lean lean :
          {reference::Lean::left, reference::Lean::right, reference::Lean::zigzag}) {
-        const KWOwnedTree sum(reference::chain(KWExpressionAdd, million, lean));
-        expectComputes(sum, 1000002, 2);
+        const KWOwnedTree sum(reference::chain(KWExpressionAdd, levelsBeyondTheStack, lean));
+        expectComputes(sum, levelsBeyondTheStack + 2, 2);
         const KWOwnedTree copy(CopyNode(sum.get()));
         EXPECT_TRUE(areTallTreesEqual(sum.get(), copy.get()));
     }
-    const KWOwnedTree nested(reference::chain(KWExpressionAbs, million, reference::Lean::left));
+    const KWOwnedTree nested(
+        reference::chain(KWExpressionAbs, levelsBeyondTheStack, reference::Lean::left));
     expectComputes(nested, 7, -7);
     const KWOwnedTree copy(CopyNode(nested.get()));
     EXPECT_TRUE(areTallTreesEqual(nested.get(), copy.get()));

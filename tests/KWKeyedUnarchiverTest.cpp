@@ -1,5 +1,6 @@
 #include "KeyedArchiveText.h"
 #include "PropertyListText.h"
+#include "Thoroughness.h"
 #include "UnarchiverTestSupport.h"
 
 #include <KWFoundation/KWKeyedArchiver.h>
@@ -532,10 +533,10 @@ TEST(KWKeyedUnarchiver, NothingCutOrFlippedBreaksIt) {
         {std::make_shared<KWBoxedValue<Moment>>(Moment{2}), KWNumber(0.5F), dataOf("bytes")});
     for (const Format format : {Format::binary, Format::xml}) {
         const KWData whole = written(root, format);
-        for (std::size_t place = 0; place < whole.size(); ++place) {
+        for (std::size_t place = 0; place < whole.size(); place += placeStep) {
             std::vector<KWData> variants{
                 KWData(whole.begin(), whole.begin() + std::ptrdiff_t(place))};
-            for (const int bits : {0x01, 0x80, 1 << (place % 7), 0xff}) {
+            for (const int bits : {0x01, 0x80, 1 << (place / placeStep % 7), 0xff}) {
                 variants.push_back(whole);
                 variants.back()[place] ^= static_cast<std::byte>(bits);
             }

@@ -1,4 +1,5 @@
 #include "SequentialBytes.h"
+#include "Thoroughness.h"
 #include "UnarchiverTestSupport.h"
 
 #include <KWFoundation/KWArchiver.h>
@@ -355,7 +356,7 @@ TEST(KWUnarchiver, NothingCutOrFlippedBreaksIt) {
     root->other = KWArchiveValue::mutableArray({KWNumber(0.25), "text", dataOf("bytes"), nullptr});
     for (const KWData& whole :
          {KWArchiver::archivedDataWithRootObject(root), exampleStream(true)}) {
-        for (std::size_t place = 0; place < whole.size(); ++place) {
+        for (std::size_t place = 0; place < whole.size(); place += placeStep) {
             std::vector<KWData> variants{
                 KWData(whole.begin(), whole.begin() + std::ptrdiff_t(place))};
             for (int bit = 0; bit < 8; ++bit) {
