@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-// These want a screen: QT_QPA_PLATFORM=xcb xvfb-run kwbase_benchmarks --benchmark_filter=iewer
+// These want a screen: QT_QPA_PLATFORM=xcb xvfb-run kwbase_view_benchmarks --benchmark_filter=iewer
 
 namespace {
 

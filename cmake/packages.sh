@@ -1,4 +1,4 @@
-# What ./run and ./test share: the packages that they need, and quiet builds. Read by bash.
+# What ./run, ./test and ./bench share: the packages that they need, and quiet builds. Read by bash.
 
 # What builds the program.
 kw_build_packages=(
@@ -14,6 +14,15 @@ kw_test_packages=(
     libgtest-dev libbenchmark-dev libplist-dev python3 locales
     ffmpeg                     # makes the movies of the tests
     xvfb xauth libgl1-mesa-dri # OpenGL with no screen
+)
+
+# What ./bench needs, and the libraries that it measures beside ours.
+kw_bench_packages=(libbenchmark-dev python3 valgrind)
+kw_peer_packages=(
+    libgsl-dev libboost-math-dev python3-numpy python3-scipy     # curves
+    libmuparser-dev libfparser-dev libkseexpr-dev libluajit-5.1-dev # expressions
+    libqcustomplot-dev libqcustomplot2.1-qt6                     # drawing
+    libplist-dev                                                 # archives
 )
 
 # kw_take_no_words TEXT WORD...: shows the text for --help, and refuses any other word.
