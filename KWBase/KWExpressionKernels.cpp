@@ -477,13 +477,16 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 
+#include <KWBase/KWVectorDispatch.h>
+
 namespace KWExpressionTargets {
-HWY_EXPORT(table);
+static const KWExpressionKernels* best() {
+    KW_RETURN_FOR_VECTOR_TARGET(table())
+}
 } // namespace KWExpressionTargets
 
 const KWExpressionKernels& KWExpressionKernels::best() {
-    using namespace KWExpressionTargets;
-    return *HWY_DYNAMIC_DISPATCH(table)();
+    return *KWExpressionTargets::best();
 }
 
 #endif

@@ -205,13 +205,16 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 
+#include <KWBase/KWVectorDispatch.h>
+
 namespace KWKeyFrameTargets {
-HWY_EXPORT(table);
+static const KWKeyFrameKernels* best() {
+    KW_RETURN_FOR_VECTOR_TARGET(table())
+}
 } // namespace KWKeyFrameTargets
 
 const KWKeyFrameKernels* KWKeyFrameKernels::best() {
-    using namespace KWKeyFrameTargets;
-    return HWY_DYNAMIC_DISPATCH(table)();
+    return KWKeyFrameTargets::best();
 }
 
 #endif

@@ -3,10 +3,10 @@
 
 #include <KWBase/KWChannelCursor.h>
 #include <KWBase/KWKeyFramedChannel.h>
+#include <KWBase/KWVectorTarget.h>
 #include <KWFoundation/KWUndoManager.h>
 
 #include <benchmark/benchmark.h>
-#include <hwy/highway.h>
 #include <malloc.h>
 
 #include <algorithm>
@@ -80,18 +80,18 @@ void randomBatch(benchmark::State& state) {
 /// As on a processor that has no better vectors than these.
 class Vectors {
   public:
-    explicit Vectors(std::int64_t target) { hwy::SetSupportedTargetsForTest(target); }
-    ~Vectors() { hwy::SetSupportedTargetsForTest(0); }
+    explicit Vectors(KWVectorTarget target) { KWUseVectorTarget(target); }
+    ~Vectors() { KWUseVectorTarget(KWVectorTargets().front()); }
     Vectors(const Vectors&) = delete;
     Vectors& operator=(const Vectors&) = delete;
 };
 
-void denseBatchBy(benchmark::State& state, std::int64_t target) {
+void denseBatchBy(benchmark::State& state, KWVectorTarget target) {
     const Vectors vectors(target);
     denseBatch(state);
 }
 
-void randomBatchBy(benchmark::State& state, std::int64_t target) {
+void randomBatchBy(benchmark::State& state, KWVectorTarget target) {
     const Vectors vectors(target);
     randomBatch(state);
 }
@@ -207,10 +207,10 @@ BENCHMARK(framesUpperBound)->Arg(1000);
 BENCHMARK(risingBatch)->Arg(10)->Arg(1000)->Arg(100000);
 BENCHMARK(denseBatch)->Arg(1000);
 BENCHMARK(randomBatch)->Arg(10)->Arg(1000)->Arg(100000);
-BENCHMARK_CAPTURE(denseBatchBy, AVX2, HWY_AVX2)->Arg(1000);
-BENCHMARK_CAPTURE(denseBatchBy, baseline, HWY_STATIC_TARGET)->Arg(1000);
-BENCHMARK_CAPTURE(randomBatchBy, AVX2, HWY_AVX2)->Arg(1000);
-BENCHMARK_CAPTURE(randomBatchBy, baseline, HWY_STATIC_TARGET)->Arg(1000);
+BENCHMARK_CAPTURE(denseBatchBy, AVX2, KWVectorTarget::avx2)->Arg(1000);
+BENCHMARK_CAPTURE(denseBatchBy, baseline, KWVectorTarget::baseline)->Arg(1000);
+BENCHMARK_CAPTURE(randomBatchBy, AVX2, KWVectorTarget::avx2)->Arg(1000);
+BENCHMARK_CAPTURE(randomBatchBy, baseline, KWVectorTarget::baseline)->Arg(1000);
 BENCHMARK(editChannel)->Arg(1000);
 BENCHMARK(editVectors)->Arg(1000);
 BENCHMARK(memoryOfChannel)->Arg(100000)->Iterations(1);

@@ -2,23 +2,18 @@
 
 #include <KWBase/KWExpressionKernels.h>
 
+#include <tests/VectorTargets.h>
+
 #include <bit>
 #include <cstdint>
 #include <limits>
 #include <vector>
 
-#define HWY_DISABLED_TARGETS HWY_AVX3_DL // as in the kernels
-#include <hwy/highway.h>
-
 /// Calls the function with the kernels of every instruction set that this processor has, and with
 /// the name of the set, the best first.
 template <class Function>
 void forEachTarget(Function function) {
-    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
-        hwy::SetSupportedTargetsForTest(target);
-        function(KWExpressionKernels::best(), hwy::TargetName(target));
-    }
-    hwy::SetSupportedTargetsForTest(0);
+    underEachTarget([&](const char* target) { function(KWExpressionKernels::best(), target); });
 }
 
 inline std::uint32_t bitsOf(float value) {

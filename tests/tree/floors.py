@@ -10,7 +10,7 @@ import sys
 # Lowest first. A source may include what stands below it and what stands beside it.
 FLOORS = [
     ["KWFoundation"],
-    ["KWTime", "KWFrameworkTables", "KWUnitController", "KWExpressionBatch", "KWExpressionCode",
+    ["KWTime", "KWVectorTarget", "KWVectorDispatch", "KWFrameworkTables", "KWUnitController", "KWExpressionBatch", "KWExpressionCode",
      "KWExpressionDerivative", "KWExpressionIndex", "KWExpressionKernelCheck", "KWExpressionKernels",
      "KWExpressionParser", "KWExpressionPrinter", "KWExpressionProgram", "KWExpressionScan", "KWExpressionStack",
      "KWExpressionText", "KWExpressionTree", "KWAlgebricInterpreter"],
