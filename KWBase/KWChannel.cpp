@@ -96,7 +96,7 @@ float KWChannel::value() const {
 void KWChannel::updateForTime(KWTime time) {
     if (_valid && _updateTime && *_updateTime == time)
         return;
-    _cachedValue = valueForTime(time);
+    _cachedValue = valueForUpdate(time);
     _updateTime = time;
     setValid(true);
 }

@@ -141,6 +141,9 @@ class KW_EXPORT KWChannel : public KWObject {
   private:
     friend class KWUnknownChannel;
 
+    /// What valueForTime answers; a subclass may remember where it was the last time.
+    virtual float valueForUpdate(KWTime time) { return valueForTime(time); }
+
     static std::shared_ptr<KWObject> makeUnknownChannel(std::shared_ptr<KWUnknownObject> contents);
     void encodeWithKeys(KWCoder& coder) const;
     void decodeWithKeys(KWCoder& coder);

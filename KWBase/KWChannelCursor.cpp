@@ -4,52 +4,42 @@
 #include <stdexcept>
 #include <typeinfo>
 
+namespace {
+
+constexpr std::uint64_t noRevision = 0;
+
+} // namespace
+
 KWChannelCursor::KWChannelCursor(std::shared_ptr<const KWChannel> channel)
-    : _channel(std::move(channel)), _keyFramed(nullptr) {
+    : _channel(std::move(channel)), _revision(&noRevision) {
     if (!_channel)
         throw std::invalid_argument("a cursor needs a channel");
     // A subclass may evaluate in its own way.
     const KWChannel& target = *_channel;
-    if (typeid(target) == typeid(KWKeyFramedChannel))
-        _keyFramed = static_cast<const KWKeyFramedChannel*>(_channel.get());
+    _isKeyFramed = typeid(target) == typeid(KWKeyFramedChannel);
+    if (_isKeyFramed)
+        _revision = &static_cast<const KWKeyFramedChannel&>(target)._revision;
 }
 
-float KWChannelCursor::valueForTime(KWTime time) {
-    if (_keyFramed && _keyFramed->_editCount == _editCount) [[likely]] {
-        float t = time.time();
-        if (_keyFramed->_repeat != KWRepeatModeNone)
-            t = _keyFramed->curve().mappedTime(t);
-        if (t >= _stretch.from && t < _stretch.to) [[likely]] {
-            const float value = KWKeyFrameCurve::valueInside(_stretch, t, _keyFramed->_mode);
-            // Which of several NaNs comes out is the channel's to say.
-            if (value == value) [[likely]]
-                return value;
-        }
+float KWChannelCursor::valueAt(float t) {
+    if (*_revision == _knownRevision && t >= _place.stretch.from && t < _place.stretch.to &&
+        _isPlain) [[likely]] {
+        const float value = KWKeyFrameCurve::hermiteInside(_place, t);
+        if (value == value) [[likely]]
+            return value;
     }
-    return valueElsewhere(time);
+    return valueElsewhere(t);
 }
 
-float KWChannelCursor::valueElsewhere(KWTime time) {
-    if (!_keyFramed)
-        return _channel->valueForTime(time);
-    const KWKeyFrameCurve curve = _keyFramed->curve();
-    if (!_keyFramed->_regular || curve.count < 2)
-        return _keyFramed->KWKeyFramedChannel::valueForTime(time);
-    float t = time.time();
-    if (curve.repeat != KWRepeatModeNone)
-        t = curve.mappedTime(t);
-    // The channel may have been edited since: the place is only a guess.
-    std::uint32_t i = _segment + 1;
-    if (!(i < curve.count - 1 && t >= curve.keys[i] && t < curve.keys[i + 1])) {
-        i = _keyFramed->countNotAfter(curve, t) - 1;
-        if (i >= curve.count - 1)
-            return _keyFramed->KWKeyFramedChannel::valueForTime(time);
+float KWChannelCursor::valueElsewhere(float t) {
+    if (!_isKeyFramed)
+        return _channel->valueForTime(KWTime(t));
+    const auto& channel = static_cast<const KWKeyFramedChannel&>(*_channel);
+    if (*_revision != _knownRevision) {
+        // The place is only a guess now.
+        _place.stretch = {};
+        _knownRevision = *_revision;
+        _isPlain = channel._mode == KWKeyFrameModeHermite && channel._repeat == KWRepeatModeNone;
     }
-    _segment = i;
-    _stretch = curve.stretch(i);
-    _editCount = _keyFramed->_editCount;
-    const float value = KWKeyFrameCurve::valueInside(_stretch, t, curve.mode);
-    if (value != value) [[unlikely]]
-        return _keyFramed->KWKeyFramedChannel::valueForTime(time);
-    return value;
+    return channel.valueNear(_place, t);
 }

@@ -5,8 +5,6 @@
 
 #include <cstdint>
 
-class KWKeyFramedChannel;
-
 /// Reads a channel at one time after the other, fastest when each lies near the one before. The
 /// answers are those of valueForTime, bit for bit, also when the channel is edited in between. Each
 /// thread and each reader uses a cursor of its own.
@@ -15,18 +13,21 @@ class KW_EXPORT KWChannelCursor {
     /// Keeps the channel alive. std::invalid_argument for null.
     explicit KWChannelCursor(std::shared_ptr<const KWChannel> channel);
 
-    float valueForTime(KWTime time);
+    float valueForTime(KWTime time) { return valueAt(time.time()); }
 
     const std::shared_ptr<const KWChannel>& channel() const { return _channel; }
 
   private:
-    float valueElsewhere(KWTime time);
+    // Plain floats travel in registers of their own kind.
+    float valueAt(float t);
+    float valueElsewhere(float t);
 
     std::shared_ptr<const KWChannel> _channel;
-    const KWKeyFramedChannel* _keyFramed; ///< null for channels of other kinds
-    std::uint32_t _segment = 0;           ///< the key that preceded the last time
-    // The stretch from that key to the next one, provided that the channel's count of edits is
-    // still the same; at first it is not.
-    std::uint64_t _editCount = UINT64_MAX;
-    KWKeyFrameStretch _stretch;
+    // What the channel counts its changes by, and how far it was when the place was found; at
+    // first, and for channels of other kinds, these are never equal.
+    const std::uint64_t* _revision;
+    std::uint64_t _knownRevision = UINT64_MAX;
+    KWKeyFramePlace _place;
+    bool _isKeyFramed = false;
+    bool _isPlain = false; ///< a Hermite curve that maps no times
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <KWBase/KWFloat4.h>
 #include <KWBase/KWKeyFramedChannel.h>
 
 #include <cmath>
@@ -72,6 +73,8 @@ struct KWKeyFrameCurve {
         return {keys[i], keys[i + 1], values[i], values[i + 1], tangents[i]};
     }
 
+    KWKeyFramePlace place(std::uint32_t i) const { return {stretch(i), keys[i + 1] - keys[i], i}; }
+
     float valueInside(std::uint32_t i, float t) const { return valueInside(stretch(i), t, mode); }
 
     static float valueInside(const KWKeyFrameStretch& x, float t, std::int32_t mode) {
@@ -82,6 +85,22 @@ struct KWKeyFrameCurve {
         if (mode == KWKeyFrameModeLinear)
             return x.toValue + ((x.to - t) / (x.to - x.from)) * (x.fromValue - x.toValue);
         return mode == KWKeyFrameModeStep ? x.fromValue : 0.0f;
+    }
+
+    /// A Hermite curve at a time that lies in the stretch, with the bits of valueInside but for
+    /// those of a NaN. The four parts of the sum are computed side by side.
+    static float hermiteInside(const KWKeyFramePlace& place, float t) {
+        const KWKeyFrameStretch& x = place.stretch;
+        const KWFloat4 s = KWFloat4All(1.0f - (x.to - t) / place.length);
+        const KWFloat4 s2 = s * s;
+        const KWFloat4 s3 = s * s2;
+        constexpr KWFloat4 ofS3{2.0f, -2.0f, 1.0f, 1.0f};
+        constexpr KWFloat4 ofS2{-3.0f, 3.0f, -2.0f, -1.0f};
+        // Nothing changes when -0 is added.
+        const KWFloat4 rest{1.0f, -0.0f, s[2], -0.0f};
+        const KWFloat4 sum = (s3 * ofS3 + s2 * ofS2) + rest;
+        const KWFloat4 parts = sum * KWFloat4Load(&x.fromValue);
+        return ((parts[0] + parts[1]) + parts[2]) + parts[3];
     }
 
     /// The cubic with those end values and slopes, at s from 0 to 1. Real is a float, or several.
@@ -104,6 +123,12 @@ struct KWKeyFrameCurve {
         return x == x ? static_cast<std::int32_t>(x) : 0;
     }
 };
+
+// Loaded as four floats in a row.
+static_assert(offsetof(KWKeyFrameStretch, tangents) ==
+              offsetof(KWKeyFrameStretch, fromValue) + 2 * sizeof(float));
+static_assert(sizeof(KWKeyFrameStretch) ==
+              offsetof(KWKeyFrameStretch, fromValue) + 4 * sizeof(float));
 
 inline KWKeyFrameCurve KWKeyFramedChannel::curve() const {
     return {_frames.keys.data(),

@@ -114,9 +114,15 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     // --- Modes. Setting one neither invalidates nor notifies, and registers no undo.
 
     std::int32_t keyFrameChannelMode() const { return _mode; }
-    void setKeyFrameChannelMode(std::int32_t mode) { _mode = mode; }
+    void setKeyFrameChannelMode(std::int32_t mode) {
+        _mode = mode;
+        ++_revision;
+    }
     std::int32_t repeatMode() const { return _repeat; }
-    void setRepeatMode(std::int32_t mode) { _repeat = mode; }
+    void setRepeatMode(std::int32_t mode) {
+        _repeat = mode;
+        ++_revision;
+    }
 
     // --- Writing keys. Each makes a key or replaces the one at that time, and posts
     // KWChannelChangedNotification before it does. A nil time or record is ignored.
@@ -253,6 +259,8 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     bool isOrderly() const;
     void keysChange() {
         ++_editCount;
+        ++_revision;
+        _place.stretch = {};
         _index.drop();
     }
     void refresh();
@@ -261,6 +269,8 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     // Evaluation: the curve of a regular channel, and the stated steps one by one for any other.
     KWKeyFrameCurve curve() const;
     std::uint32_t countNotAfter(const KWKeyFrameCurve& curve, float time) const;
+    float valueForUpdate(KWTime time) override;
+    float valueNear(KWKeyFramePlace& place, float time) const;
     float valueByWalking(float time) const;
     float interpolate(std::uint32_t preceding, float time) const;
     KWKeyFrameTangents tangents(std::uint32_t preceding, std::uint32_t from,
@@ -280,5 +290,8 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     std::int32_t _repeat = KWRepeatModeNone;
     bool _regular = true;
     std::uint64_t _editCount = 0;
+    /// Grows with every edit of keys and every setting of a mode.
+    std::uint64_t _revision = 0;
+    KWKeyFramePlace _place; ///< of the latest update
     KWKeyFrameIndexSlot _index;
 };

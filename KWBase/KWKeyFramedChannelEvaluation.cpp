@@ -2,6 +2,7 @@
 #include <KWFoundation/KWException.h>
 
 #include <cmath>
+#include <typeinfo>
 
 // Of two NaNs the processor answers the first operand's, and the compiler may exchange operands. So
 // that all readers get the same bits, the cursor and the batch leave every value that is NaN to
@@ -22,6 +23,45 @@
         return interpolate(preceding, t);
     }
     return curve.valueInside(preceding, t);
+}
+
+// Times that rise slowly, as those of a player do, mostly lie where the one before did.
+float KWKeyFramedChannel::valueForUpdate(KWTime time) {
+    // A subclass may evaluate in its own way.
+    if (typeid(*this) != typeid(KWKeyFramedChannel)) [[unlikely]]
+        return valueForTime(time);
+    const float t = time.time();
+    if (_mode == KWKeyFrameModeHermite && _repeat == KWRepeatModeNone && t >= _place.stretch.from &&
+        t < _place.stretch.to) [[likely]] {
+        const float value = KWKeyFrameCurve::hermiteInside(_place, t);
+        if (value == value) [[likely]]
+            return value;
+    }
+    return valueNear(_place, t);
+}
+
+// The place's stretch must be that of its segment as the keys are now, or hold no time. Which of
+// several NaNs comes out is for valueForTime to say.
+float KWKeyFramedChannel::valueNear(KWKeyFramePlace& place, float time) const {
+    const KWKeyFrameCurve curve = this->curve();
+    if (!_regular || curve.count < 2) [[unlikely]]
+        return KWKeyFramedChannel::valueForTime(KWTime(time));
+    float t = time;
+    if (curve.repeat != KWRepeatModeNone)
+        t = curve.mappedTime(t);
+    if (!(t >= place.stretch.from && t < place.stretch.to)) {
+        std::uint32_t i = place.segment + 1;
+        if (!(i < curve.count - 1 && t >= curve.keys[i] && t < curve.keys[i + 1])) {
+            i = countNotAfter(curve, t) - 1;
+            if (i >= curve.count - 1)
+                return KWKeyFramedChannel::valueForTime(KWTime(time));
+        }
+        place = curve.place(i);
+    }
+    const float value = KWKeyFrameCurve::valueInside(place.stretch, t, curve.mode);
+    if (value != value) [[unlikely]]
+        return KWKeyFramedChannel::valueForTime(KWTime(time));
+    return value;
 }
 
 float KWKeyFramedChannel::valueByWalking(float t) const {

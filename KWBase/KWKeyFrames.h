@@ -94,6 +94,14 @@ struct KWKeyFrameStretch {
     KWKeyFrameTangents tangents;
 };
 
+/// Where somebody who reads a channel was last. As long as no key is edited the stretch, once it
+/// has been set, is that of the segment.
+struct KWKeyFramePlace {
+    KWKeyFrameStretch stretch; ///< at first no time lies in it
+    float length = 0;          ///< of the stretch
+    std::uint32_t segment = 0; ///< the key that the stretch starts at
+};
+
 /// Makes room for one more element, at least doubling the room when there is none.
 template <class T>
 void KWPrepareInsert(std::vector<T>& list) {

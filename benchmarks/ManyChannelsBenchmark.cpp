@@ -1,6 +1,6 @@
 #include "SampleCurve.h"
 
-#include <KWBase/KWChannelArray.h>
+#include <KWBase/KWChannelArrayCursor.h>
 
 #include <benchmark/benchmark.h>
 
@@ -68,6 +68,18 @@ void frameByUpdate(benchmark::State& state) {
     countChannels(state);
 }
 
+void frameByCursor(benchmark::State& state) {
+    KWChannelArrayCursor cursor(channels().array);
+    std::vector<float> values(cursor.channelCount());
+    Clock clock(state);
+    for (auto _ : state) {
+        cursor.valuesForTime(KWTime(clock.next()), values);
+        benchmark::DoNotOptimize(values.data());
+        benchmark::ClobberMemory();
+    }
+    countChannels(state);
+}
+
 void frameByPlainLoop(benchmark::State& state) {
     const std::deque<KWSampleKeys>& curves = channels().curves;
     Clock clock(state);
@@ -80,6 +92,7 @@ void frameByPlainLoop(benchmark::State& state) {
 }
 
 BENCHMARK(frameByUpdate)->Arg(framesPerKey[0])->Arg(framesPerKey[1]);
+BENCHMARK(frameByCursor)->Arg(framesPerKey[0])->Arg(framesPerKey[1]);
 BENCHMARK(frameByPlainLoop)->Arg(framesPerKey[0])->Arg(framesPerKey[1]);
 
 } // namespace

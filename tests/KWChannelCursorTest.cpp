@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <cmath>
+#include <random>
+
 TEST(KWChannelCursor, NullIsRefused) {
     EXPECT_THROW(KWChannelCursor(nullptr), std::invalid_argument);
 }
@@ -78,7 +82,62 @@ TEST(KWChannelCursor, StaysRightAcrossEdits) {
             break;
         }
         const KWTime t(static_cast<float>(random() % 1000) * 0.07f);
-        ASSERT_EQ(Outcome::of([&] { return cursor.valueForTime(t); }),
-                  Outcome::of([&] { return channel->valueForTime(t); }));
+        const Outcome wanted = Outcome::of([&] { return channel->valueForTime(t); });
+        ASSERT_EQ(Outcome::of([&] { return cursor.valueForTime(t); }), wanted);
+        ASSERT_EQ(Outcome::of([&] {
+                      channel->updateForTime(t);
+                      return channel->value();
+                  }),
+                  wanted);
+    }
+}
+
+TEST(KWChannelCursor, AnswersAsTheChannelForValuesOfAllKinds) {
+    std::mt19937 random(7);
+    const auto anyFloat = [&random] {
+        const float near = static_cast<float>(random() % 200) * 0.01f - 1;
+        return random() % 3 == 0   ? std::bit_cast<float>(static_cast<std::uint32_t>(random()))
+               : random() % 5 == 0 ? std::copysign(0.0f, near)
+                                   : near;
+    };
+    for (int round = 0; round < 200; ++round) {
+        auto channel = std::make_shared<KWKeyFramedChannel>();
+        channel->setKeyFrameChannelMode(round % 3);
+        for (int k = 0; k < 20; ++k) {
+            const HJHermiteParam shape{
+                .tension = anyFloat(), .bias = anyFloat(), .continuity = anyFloat()};
+            channel->setValueHermiteValueForKeyframe(
+                anyFloat(), KWKeyFramedChannel::hermiteDataFrom(&shape),
+                KWTime(static_cast<float>(random() % 100) * 0.1f));
+        }
+        KWChannelCursor cursor(channel);
+        for (int k = -10; k < 1100; ++k) {
+            const float t = static_cast<float>(k) * 0.01f;
+            const std::uint32_t wanted = bitsOf(channel->valueForTime(KWTime(t)));
+            ASSERT_EQ(bitsOf(cursor.valueForTime(KWTime(t))), wanted) << round << ' ' << t;
+            channel->updateForTime(KWTime(t));
+            ASSERT_EQ(bitsOf(channel->value()), wanted) << round << ' ' << t;
+        }
+    }
+}
+
+namespace {
+
+class DoubledChannel final : public KWKeyFramedChannel {
+  public:
+    float valueForTime(std::optional<KWTime> time) const override {
+        return 2 * KWKeyFramedChannel::valueForTime(time);
+    }
+};
+
+} // namespace
+
+TEST(KWChannelCursor, ASubclassIsUpdatedByItsOwnFunction) {
+    const auto channel = std::make_shared<DoubledChannel>();
+    channel->setValueForKeyframe(1, KWTime(0));
+    channel->setValueForKeyframe(2, KWTime(1));
+    for (const float t : {0.25f, 0.5f, 0.75f}) {
+        channel->updateForTime(KWTime(t));
+        EXPECT_EQ(channel->value(), channel->valueForTime(KWTime(t)));
     }
 }

@@ -19,7 +19,7 @@ FLOORS = [
      "KWKeyFrameKernels", "KWKeyFramedChannel",
      "KWKeyFramedChannelArchiving", "KWKeyFramedChannelEditing", "KWKeyFramedChannelEvaluation",
      "KWKeyFramedChannelSampling", "KWAlgebricChannel", "KWUnknownChannel", "KWChannelCursor"],
-    ["KWChannelGroup", "KWChannelArray", "KWChannelElement", "KWFormatter"],
+    ["KWChannelGroup", "KWChannelArray", "KWChannelArrayCursor", "KWChannelElement", "KWFormatter"],
     ["KWChannelClasses", "KWUnitFormatter"],
     ["KWLengthFormatter", "KWAngleFormatter"],
     # No Qt above this line.
