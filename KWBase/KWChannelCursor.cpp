@@ -35,6 +35,11 @@ float KWChannelCursor::valueElsewhere(float t) {
     if (!_isKeyFramed)
         return _channel->valueForTime(KWTime(t));
     const auto& channel = static_cast<const KWKeyFramedChannel&>(*_channel);
+    if (*_revision == _knownRevision && _isPlain && channel.stepOn(_place, t)) {
+        const float value = KWKeyFrameCurve::hermiteInside(_place, t);
+        if (value == value) [[likely]]
+            return value;
+    }
     if (*_revision != _knownRevision) {
         // The place is only a guess now.
         _place.stretch = {};

@@ -139,6 +139,19 @@ inline KWKeyFrameCurve KWKeyFramedChannel::curve() const {
             _repeat};
 }
 
+/// Whether the time lies in the stretch behind the place, which is the new place then.
+inline bool KWKeyFramedChannel::stepOn(KWKeyFramePlace& place, float time) const {
+    const std::size_t i = place.segment + std::size_t{1};
+    const float* const keys = _frames.keys.data();
+    if (!_regular || i + 1 >= _frames.keys.size() || !(time >= keys[i] && time < keys[i + 1]))
+        return false;
+    const float* const values = _frames.values.data();
+    place = {{keys[i], keys[i + 1], values[i], values[i + 1], _tangents[i]},
+             keys[i + 1] - keys[i],
+             static_cast<std::uint32_t>(i)};
+    return true;
+}
+
 inline std::uint32_t KWKeyFramedChannel::countNotAfter(const KWKeyFrameCurve& curve,
                                                        float time) const {
     if (!(time >= curve.keys[0])) // NaN counts as after all

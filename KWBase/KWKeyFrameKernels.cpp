@@ -43,8 +43,10 @@ HWY_INLINE VS blend(VS s, const Stretch& x) {
     const auto number = [](float value) HWY_ATTR { return hn::Set(S(), value); };
     const VS s2 = hn::Mul(s, s);
     const VS s3 = hn::Mul(s, s2);
-    const VS ofFrom = hn::Add(hn::Add(hn::Mul(number(2), s3), hn::Mul(number(-3), s2)), number(1));
-    const VS ofTo = hn::Add(hn::Mul(number(-2), s3), hn::Mul(number(3), s2));
+    const VS part = hn::Add(hn::Mul(number(2), s3), hn::Mul(number(-3), s2));
+    const VS ofFrom = hn::Add(part, number(1));
+    // Its opposite; from 0, as both are +0 at the stretch's start.
+    const VS ofTo = hn::Sub(number(0), part);
     const VS ofStart = hn::Add(hn::Sub(s3, hn::Mul(number(2), s2)), s);
     const VS values = hn::Add(hn::Mul(ofFrom, x.fromValue), hn::Mul(ofTo, x.toValue));
     return hn::Add(hn::Add(values, hn::Mul(ofStart, x.start)), hn::Mul(hn::Sub(s3, s2), x.end));
@@ -99,62 +101,115 @@ std::size_t run(const KWKeyFrameStretch& stretch, std::int32_t mode, const float
     }
 }
 
-/// How many keys are at or before times that all lie inside the keyed range.
-HWY_INLINE VI countsNotAfter(const KWKeyFrameCurve& curve, const KWKeyFrameIndex& index, VS t) {
+using S8 = hn::RebindToSigned<hn::Repartition<double, S>>;
+using V8 = hn::Vec<S8>;
+
+/// A byte further than each index times the stride, of half of the lanes.
+template <class Half>
+HWY_INLINE V8 offsets(Half index, std::size_t stride) {
+    return hn::ShiftLeftSame(hn::PromoteTo(S8(), index),
+                             static_cast<int>(std::countr_zero(stride)));
+}
+
+/// Floats that lie in pairs at the list's start plus the stride times each index: the first ones
+/// and the second ones. A look-up of pairs takes half the time of two look-ups.
+HWY_INLINE void lookUpPairs(const float* list, std::size_t stride, VI index, VS& first,
+                            VS& second) {
     const S s;
-    const I i;
-    const auto oneMoreIf = [=](MS mask, VI n) HWY_ATTR {
-        return hn::Sub(n, hn::BitCast(i, hn::VecFromMask(s, mask)));
-    };
-    if (index.isCrowded()) {
-        // Halving what is left, as KWKeyFrameCurve does.
-        VI base = hn::Zero(i);
-        for (std::uint32_t left = curve.count; left > 1;) {
-            const std::uint32_t half = left / 2;
-            const VI middle = hn::Add(base, hn::Set(i, static_cast<std::int32_t>(half)));
-            const MS goes = hn::Le(hn::GatherIndex(s, curve.keys, middle), t);
-            base = hn::IfThenElse(hn::RebindMask(i, goes), middle, base);
-            left -= half;
-        }
-        return oneMoreIf(hn::Le(hn::GatherIndex(s, curve.keys, base), t), base);
-    }
-    const VS place = hn::Mul(hn::Sub(t, hn::Set(s, index.first())), hn::Set(s, index.scale()));
-    VI found = hn::GatherIndex(i, index.starts(), hn::ConvertTo(i, place));
+    const hn::Half<I> half;
+    const auto* base = reinterpret_cast<const std::int64_t*>(list);
+    const V8 low = hn::GatherOffset(S8(), base, offsets(hn::LowerHalf(half, index), stride));
+    const V8 high = hn::GatherOffset(S8(), base, offsets(hn::UpperHalf(half, index), stride));
+    first = hn::ConcatEven(s, hn::BitCast(s, high), hn::BitCast(s, low));
+    second = hn::ConcatOdd(s, hn::BitCast(s, high), hn::BitCast(s, low));
+}
+
+HWY_INLINE VI oneMoreIf(MS mask, VI n) {
+    return hn::Sub(n, hn::BitCast(I(), hn::VecFromMask(S(), mask)));
+}
+
+/// The keys before and after times that all lie inside the keyed range.
+struct Found {
+    VI index; ///< of the key before
+    VS from;
+    VS to;
+};
+
+HWY_INLINE Found findBySteps(const KWKeyFrameCurve& curve, VI base, VS t) {
+    const S s;
     // The last key, which is after all times, ends this.
     for (;;) {
-        const MS goes = hn::Le(hn::GatherIndex(s, curve.keys, found), t);
+        const VI next = hn::Add(base, hn::Set(I(), 1));
+        const MS goes = hn::Le(hn::GatherIndex(s, curve.keys, next), t);
         if (hn::AllFalse(s, goes))
-            return found;
-        found = oneMoreIf(goes, found);
+            break;
+        base = oneMoreIf(goes, base);
     }
+    Found found{base, {}, {}};
+    lookUpPairs(curve.keys, sizeof(float), base, found.from, found.to);
+    return found;
+}
+
+HWY_INLINE Found findByHalving(const KWKeyFrameCurve& curve, VS t) {
+    const S s;
+    const I i;
+    VI base = hn::Zero(i);
+    for (std::uint32_t left = curve.count; left > 1;) {
+        const std::uint32_t half = left / 2;
+        const VI middle = hn::Add(base, hn::Set(i, static_cast<std::int32_t>(half)));
+        const MS goes = hn::Le(hn::GatherIndex(s, curve.keys, middle), t);
+        base = hn::IfThenElse(hn::RebindMask(i, goes), middle, base);
+        left -= half;
+    }
+    return findBySteps(curve, base, t);
+}
+
+/// Looks at the last key before the bucket and the three that follow, which nearly always are
+/// enough. An index has at least four keys.
+HWY_INLINE Found find(const KWKeyFrameCurve& curve, const KWKeyFrameIndex& index, VS t) {
+    const S s;
+    const I i;
+    if (index.isCrowded())
+        return findByHalving(curve, t);
+    const VS place = hn::Mul(hn::Sub(t, hn::Set(s, index.first())), hn::Set(s, index.scale()));
+    const VI start = hn::GatherIndex(i, index.starts(), hn::ConvertTo(i, place));
+    const VI last = hn::Set(i, static_cast<std::int32_t>(curve.count) - 4);
+    const VI base = hn::Min(hn::Max(hn::Sub(start, hn::Set(i, 1)), hn::Zero(i)), last);
+    VS key0, key1, key2, key3;
+    lookUpPairs(curve.keys, sizeof(float), base, key0, key1);
+    lookUpPairs(curve.keys + 2, sizeof(float), base, key2, key3);
+    const MS isPast1 = hn::Le(key1, t);
+    const MS isPast2 = hn::Le(key2, t);
+    const VI before = oneMoreIf(isPast2, oneMoreIf(isPast1, base));
+    if (!hn::AllFalse(s, hn::Le(key3, t))) [[unlikely]]
+        return findBySteps(curve, before, t);
+    return {before, hn::IfThenElse(isPast2, key2, hn::IfThenElse(isPast1, key1, key0)),
+            hn::IfThenElse(isPast2, key3, hn::IfThenElse(isPast1, key2, key1))};
 }
 
 template <std::int32_t mode>
 std::uint64_t scatteredIn(const KWKeyFrameCurve& curve, const KWKeyFrameIndex& index,
-                          const float* times, float* values, std::size_t count) {
+                          const float* times, float* values, std::size_t count,
+                          std::int32_t& segment) {
     const S s;
-    const I i;
     const VS first = hn::Set(s, curve.keys[0]);
     const VS last = hn::Set(s, curve.keys[curve.count - 1]);
     const auto* tangents = reinterpret_cast<const float*>(curve.tangents);
     const bool holds = curve.repeat == KWRepeatModeNone;
     std::uint64_t wrong = 0;
+    std::int32_t indices[KWKeyFrameKernels::lanes] = {};
     for (std::size_t k = 0; k < count; k += hn::Lanes(s)) {
         const VS given = hn::LoadU(s, times + k);
         const MS isBefore = hn::Lt(given, first);
         const MS isBehind = hn::Ge(given, last);
         const MS isInside = hn::And(hn::Ge(given, first), hn::Lt(given, last));
         const VS t = hn::IfThenElse(isInside, given, first);
-        const VI to = countsNotAfter(curve, index, t);
-        const VI from = hn::Sub(to, hn::Set(i, 1));
-        const VI slope = hn::Add(from, from);
+        const Found found = find(curve, index, t);
         Stretch x;
-        x.from = hn::GatherIndex(s, curve.keys, from);
-        x.to = hn::GatherIndex(s, curve.keys, to);
-        x.fromValue = hn::GatherIndex(s, curve.values, from);
-        x.toValue = hn::GatherIndex(s, curve.values, to);
-        x.start = hn::GatherIndex(s, tangents, slope);
-        x.end = hn::GatherIndex(s, tangents + 1, slope);
+        x.from = found.from;
+        x.to = found.to;
+        lookUpPairs(curve.values, sizeof(float), found.index, x.fromValue, x.toValue);
+        lookUpPairs(tangents, sizeof(KWKeyFrameTangents), found.index, x.start, x.end);
         VS value = valueInside<mode>(x, t);
         MS isRight = isInside;
         if (holds) {
@@ -164,21 +219,24 @@ std::uint64_t scatteredIn(const KWKeyFrameCurve& curve, const KWKeyFrameIndex& i
         }
         isRight = hn::And(isRight, hn::Eq(value, value));
         hn::StoreU(value, s, values + k);
+        hn::StoreU(found.index, I(), indices);
         if (!hn::AllTrue(s, isRight))
             wrong |= bitsOf(hn::Not(isRight)) << k;
     }
+    segment = indices[(count - 1) % hn::Lanes(s)];
     return count < 64 ? wrong & ((std::uint64_t{1} << count) - 1) : wrong;
 }
 
 std::uint64_t scattered(const KWKeyFrameCurve& curve, const KWKeyFrameIndex& index,
-                        const float* times, float* values, std::size_t count) {
+                        const float* times, float* values, std::size_t count,
+                        std::int32_t& segment) {
     switch (curve.mode) {
     case KWKeyFrameModeHermite:
-        return scatteredIn<KWKeyFrameModeHermite>(curve, index, times, values, count);
+        return scatteredIn<KWKeyFrameModeHermite>(curve, index, times, values, count, segment);
     case KWKeyFrameModeLinear:
-        return scatteredIn<KWKeyFrameModeLinear>(curve, index, times, values, count);
+        return scatteredIn<KWKeyFrameModeLinear>(curve, index, times, values, count, segment);
     case KWKeyFrameModeStep:
-        return scatteredIn<KWKeyFrameModeStep>(curve, index, times, values, count);
+        return scatteredIn<KWKeyFrameModeStep>(curve, index, times, values, count, segment);
     default:
         return ~std::uint64_t{0} >> (64 - count);
     }

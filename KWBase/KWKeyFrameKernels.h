@@ -23,9 +23,10 @@ struct KWKeyFrameKernels {
 
     /// Evaluates times wherever they lie, and answers those, a bit each, that have no right value:
     /// one that is NaN, and one outside the keyed range unless its ends hold. The index is that of
-    /// the curve.
+    /// the curve. `segment` becomes that of the last time, or any other when that is outside.
     std::uint64_t (*scattered)(const KWKeyFrameCurve& curve, const KWKeyFrameIndex& index,
-                               const float* times, float* values, std::size_t count);
+                               const float* times, float* values, std::size_t count,
+                               std::int32_t& segment);
 
     /// The kernels for this processor; null when its vectors are short or cannot look up.
     static const KWKeyFrameKernels* best();

@@ -271,6 +271,7 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     std::uint32_t countNotAfter(const KWKeyFrameCurve& curve, float time) const;
     float valueForUpdate(KWTime time) override;
     float valueNear(KWKeyFramePlace& place, float time) const;
+    bool stepOn(KWKeyFramePlace& place, float time) const;
     float valueByWalking(float time) const;
     float interpolate(std::uint32_t preceding, float time) const;
     KWKeyFrameTangents tangents(std::uint32_t preceding, std::uint32_t from,
@@ -282,16 +283,17 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     void encodeInOrder(KWCoder& coder) const;
     void initInOrder(KWCoder& coder);
 
-    KWKeyFrames _frames;
-    /// Of the stretch from each key to the next; the last entry is not used. Empty when irregular.
-    std::vector<KWKeyFrameTangents> _tangents;
-    KWKeyFrames _saved; ///< as it was when the manipulation started
+    // What a player reads at each frame comes first, beside the base's kept value.
     std::int32_t _mode = KWKeyFrameModeHermite;
     std::int32_t _repeat = KWRepeatModeNone;
     bool _regular = true;
-    std::uint64_t _editCount = 0;
+    KWKeyFramePlace _place; ///< of the latest update
+    /// Of the stretch from each key to the next; the last entry is not used. Empty when irregular.
+    std::vector<KWKeyFrameTangents> _tangents;
+    KWKeyFrames _frames;
     /// Grows with every edit of keys and every setting of a mode.
     std::uint64_t _revision = 0;
-    KWKeyFramePlace _place; ///< of the latest update
+    std::uint64_t _editCount = 0;
     KWKeyFrameIndexSlot _index;
+    KWKeyFrames _saved; ///< as it was when the manipulation started
 };

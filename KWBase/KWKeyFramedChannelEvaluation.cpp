@@ -31,8 +31,8 @@ float KWKeyFramedChannel::valueForUpdate(KWTime time) {
     if (typeid(*this) != typeid(KWKeyFramedChannel)) [[unlikely]]
         return valueForTime(time);
     const float t = time.time();
-    if (_mode == KWKeyFrameModeHermite && _repeat == KWRepeatModeNone && t >= _place.stretch.from &&
-        t < _place.stretch.to) [[likely]] {
+    if (_mode == KWKeyFrameModeHermite && _repeat == KWRepeatModeNone &&
+        ((t >= _place.stretch.from && t < _place.stretch.to) || stepOn(_place, t))) [[likely]] {
         const float value = KWKeyFrameCurve::hermiteInside(_place, t);
         if (value == value) [[likely]]
             return value;

@@ -84,15 +84,15 @@ class Sampler {
             return false;
         const std::size_t length = std::min(KWKeyFrameKernels::block, count - _done);
         const std::size_t start = _done;
-        std::uint64_t wrong = _kernels->scattered(_curve, *_index, t, to, length);
+        std::uint64_t wrong = _kernels->scattered(_curve, *_index, t, to, length, _segment);
         for (; wrong != 0; wrong &= wrong - 1)
             ask(times, values, start + static_cast<std::size_t>(std::countr_zero(wrong)));
         _done = start + length;
-        const std::size_t last = length - 1;
-        const std::uint32_t preceding =
-            KWKeyFrameCurve::countNotAfter(_curve.keys, _curve.count, t[last]) - 1;
-        _segment = std::clamp(static_cast<std::int32_t>(preceding), 0, _last - 1);
-        _isScattered = false;
+        // Several at the end in one stretch may be the start of a run.
+        const auto segment = static_cast<std::size_t>(_segment);
+        const float from = _curve.keys[segment];
+        _isScattered = length < 4 || !(t[length - 4] >= from && t[length - 1] >= from &&
+                                       t[length - 4] < _curve.keys[segment + 1]);
         return true;
     }
 
