@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <functional>
 #include <stdexcept>
 #include <typeinfo>
 
@@ -25,11 +26,11 @@ class Sampler {
           _index(index), _kernels(KWKeyFrameKernels::best()) {}
 
     static constexpr std::size_t chunk = 512;
-    /// How far beyond the chunk both buffers reach.
+    /// How far beyond the times both lists reach.
     static constexpr std::size_t margin = KWKeyFrameKernels::lanes;
 
-    /// At most a chunk of times: mapped into the keyed range, and `times` as they came. The margin
-    /// must hold times too, of whatever kind.
+    /// Times that are mapped into the keyed range, and `times` as they came, which may be the same
+    /// list. Behind both lists lies a margin: of times of whatever kind, and of room for values.
     void sample(const float* times, const float* mapped, float* values, std::size_t count) {
         for (_done = 0; _done < count;) {
             const float* t = mapped + _done;
@@ -246,24 +247,24 @@ class Sampler {
 
 static_assert(sizeof(KWKeyFrameTangents) == 2 * sizeof(float));
 
-} // namespace
+/// How many of the times can be read and how many values written where they are: those with a
+/// margin behind them, provided that they need no mapping and that no value overwrites a time.
+std::size_t countOfDirect(std::span<const float> times, std::span<const float> values,
+                          std::int32_t repeat) {
+    const std::less_equal<const float*> isNotAfter;
+    const bool isApart = isNotAfter(times.data() + times.size(), values.data()) ||
+                         isNotAfter(values.data() + values.size(), times.data());
+    if (!isApart || repeat != KWRepeatModeNone || times.size() <= Sampler::margin)
+        return 0;
+    return times.size() - Sampler::margin;
+}
 
-void KWKeyFramedChannel::valuesForTimes(std::span<const float> times,
-                                        std::span<float> values) const {
-    // A subclass may answer other values one by one.
-    if (!_regular || keyframeCount() < 2 || typeid(*this) != typeid(KWKeyFramedChannel)) {
-        KWChannel::valuesForTimes(times, values);
-        return;
-    }
-    if (times.size() != values.size())
-        throw std::invalid_argument("as many values as times are wanted");
-    // The results go through a buffer, so that values may overwrite the very times.
+/// By way of buffers, so that values may overwrite the very times.
+void sampleByBuffers(Sampler& sampler, const KWKeyFrameCurve& curve, std::span<const float> times,
+                     std::span<float> values) {
     constexpr std::size_t chunk = Sampler::chunk;
     alignas(16) float mapped[chunk + Sampler::margin];
     alignas(16) float results[chunk + Sampler::margin];
-    const KWKeyFrameCurve curve = this->curve();
-    _index.noteSearches({curve.keys, curve.count}, times.size());
-    Sampler sampler(*this, curve, _index.index());
     for (std::size_t at = 0; at < times.size(); at += chunk) {
         const std::size_t count = std::min(chunk, times.size() - at);
         const float* from = times.data() + at;
@@ -281,4 +282,24 @@ void KWKeyFramedChannel::valuesForTimes(std::span<const float> times,
         }
         std::copy_n(results, count, values.data() + at);
     }
+}
+
+} // namespace
+
+void KWKeyFramedChannel::valuesForTimes(std::span<const float> times,
+                                        std::span<float> values) const {
+    // A subclass may answer other values one by one.
+    if (!_regular || keyframeCount() < 2 || typeid(*this) != typeid(KWKeyFramedChannel)) {
+        KWChannel::valuesForTimes(times, values);
+        return;
+    }
+    if (times.size() != values.size())
+        throw std::invalid_argument("as many values as times are wanted");
+    const KWKeyFrameCurve curve = this->curve();
+    _index.noteSearches({curve.keys, curve.count}, times.size());
+    Sampler sampler(*this, curve, _index.index());
+    const std::size_t direct = countOfDirect(times, values, curve.repeat);
+    if (direct != 0)
+        sampler.sample(times.data(), times.data(), values.data(), direct);
+    sampleByBuffers(sampler, curve, times.subspan(direct), values.subspan(direct));
 }
