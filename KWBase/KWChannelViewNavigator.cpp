@@ -408,7 +408,7 @@ bool KWChannelViewNavigator::move(QMouseEvent& event) {
         return !view;
     if (_drag == Drag::none) {
         if (_view->isEnabled() && event.buttons() == Qt::NoButton)
-            showCursor(canDragTimeAt(event.position()) ? Cursor::scrub : Cursor::own);
+            showCursorAt(event.position());
         return false;
     }
     event.accept();
@@ -424,8 +424,12 @@ bool KWChannelViewNavigator::release(QMouseEvent& event) {
     if (_drag == Drag::none)
         return false;
     event.accept();
-    if (event.button() == (_drag == Drag::pan ? Qt::MiddleButton : Qt::LeftButton))
-        endDrag();
+    if (event.button() != (_drag == Drag::pan ? Qt::MiddleButton : Qt::LeftButton))
+        return true;
+    const QPointer<KWChannelViewNavigator> self(this);
+    endDrag();
+    if (self && _view && _drag == Drag::none)
+        showCursorAt(event.position());
     return true;
 }
 
@@ -536,6 +540,10 @@ void KWChannelViewNavigator::cancelDrag() {
         setTime(_time);
     if (self)
         endDrag();
+}
+
+void KWChannelViewNavigator::showCursorAt(const QPointF& position) {
+    showCursor(canDragTimeAt(position) ? Cursor::scrub : Cursor::own);
 }
 
 void KWChannelViewNavigator::showCursor(Cursor cursor) {

@@ -131,6 +131,7 @@ class KW_EXPORT KWChannelViewNavigator : public QObject {
     void endDrag();
     void cancelDrag();
     void showCursor(Cursor cursor);
+    void showCursorAt(const QPointF& position);
 
     QPointer<KWChannelView> _view;
     bool _framesFirstChannel = false;

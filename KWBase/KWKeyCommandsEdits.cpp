@@ -320,10 +320,12 @@ bool KWKeyCommands::pasteFrom(const QMimeData& data, const KWTime* time) {
         }
     if (time) {
         const std::vector<KWTime> times = timesOf(keys);
-        const auto first =
-            static_cast<double>(std::min_element(times.begin(), times.end())->time());
+        const float first = std::min_element(times.begin(), times.end())->time();
+        const double by = static_cast<double>(time->time()) - static_cast<double>(first);
+        // The first one to the bit, wherever frames are.
         for (KWKey& key : keys)
-            key.time = movedTime(key.time, static_cast<double>(time->time()) - first, _timeStep);
+            key.time =
+                key.time == first && by != 0 ? time->time() : movedTime(key.time, by, _timeStep);
     }
     return insert(std::move(keys), tr("Paste Keys"));
 }

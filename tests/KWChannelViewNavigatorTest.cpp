@@ -520,8 +520,10 @@ TEST_F(KWChannelViewNavigatorTest, TheCursorShowsThatTheLineCanBeDragged) {
     hover(line());
     EXPECT_NE(view->cursor().shape(), Qt::SplitHCursor);
     view->setEditingMode(0);
-    hover(line());
-    EXPECT_EQ(view->cursor().shape(), Qt::SplitHCursor);
+    pressAt(line());
+    dragBy(32, 0);
+    release();
+    EXPECT_EQ(view->cursor().shape(), Qt::SplitHCursor) << "the pointer is on the line";
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(view.get(), &leave);
     EXPECT_EQ(view->cursor().shape(), Qt::ArrowCursor);

@@ -80,7 +80,7 @@ struct PlainKeys {
                 selected.push_back(time);
         }
     }
-    void insert(std::vector<std::pair<float, Key>> added, float by) {
+    void insert(const std::vector<std::pair<float, Key>>& added, float by) {
         if (added.empty())
             return;
         selected.clear();

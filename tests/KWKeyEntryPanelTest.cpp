@@ -196,6 +196,26 @@ TEST_F(KWKeyEntryPanelTest, WhatCannotBeTakenChangesNothingAndSaysWhy) {
     EXPECT_FALSE(manager->canUndo());
 }
 
+TEST_F(KWKeyEntryPanelTest, WhatACommandRefusesSaysWhyAndOnlyThen) {
+    setKeys({{1, 3e38f}, {2, 0}});
+    choose({1});
+    enter("Value", "+=3e38");
+    QTRY_VERIFY(QToolTip::isVisible());
+    EXPECT_EQ(QToolTip::text(), commands.fault());
+    EXPECT_EQ(shown("Value"), "3e+38");
+    QToolTip::hideText();
+    QTRY_VERIFY(!QToolTip::isVisible());
+    type("Value", "7");
+    view->grab();
+    pressKey(2);
+    ASSERT_TRUE(view->isGestureActive());
+    QTest::keyClick(field("Value"), Qt::Key_Return);
+    follow();
+    EXPECT_FALSE(QToolTip::isVisible());
+    release();
+    EXPECT_EQ(valueAt(1), 3e38f);
+}
+
 TEST_F(KWKeyEntryPanelTest, NothingTypedIsNothingDone) {
     choose({2, 4});
     enter("Time", " ");

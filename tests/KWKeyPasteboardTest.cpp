@@ -37,6 +37,16 @@ TEST_F(KWKeyPasteboardTest, CopiedKeysArePastedAtTheCurrentTime) {
     EXPECT_EQ(times(), (std::vector<float>{2, 4}));
 }
 
+TEST_F(KWKeyPasteboardTest, TheFirstPastedKeyIsAtTheCurrentTimeToTheBit) {
+    select({1, 2});
+    commands.copy();
+    // Next to a frame.
+    const float time = std::nextafter(5.25f, 6.0f);
+    view->setCurrentTime(time);
+    EXPECT_TRUE(commands.paste());
+    EXPECT_EQ(selection(), (std::vector<float>{time, 6.25f}));
+}
+
 TEST_F(KWKeyPasteboardTest, CutKeysAreGoneAndPastedElsewhere) {
     select({2});
     expectStep("Cut Keys", [&] { return commands.cut(); });

@@ -134,10 +134,9 @@ void KWKeyEntryPanel::addFields() {
                                 tr("Other than 0, there is a corner at the key")};
     const auto connectField = [this](KWKeyEntryField* field, const auto& enter) {
         connect(field, &KWKeyEntryField::entered, this, [this, field, enter](const QString& text) {
-            QString fault;
             const QPointer<KWKeyEntryPanel> self(this);
-            if (!_commands || !enter(text, fault))
-                fault = fault.isEmpty() && _commands ? _commands->fault() : fault;
+            const QString fault = _commands ? enter(text) : QString();
+            // Whoever is told of an edit may do anything.
             if (!self)
                 return;
             if (!fault.isEmpty())
@@ -148,14 +147,12 @@ void KWKeyEntryPanel::addFields() {
     for (std::size_t i = 0; i < std::size(parts); ++i) {
         _shapes[i] = new KWKeyEntryField(QStringLiteral("-0.000"), this);
         addField(_shapes[i], names[i], toolTips[i]);
-        connectField(_shapes[i], [this, part = parts[i]](const QString& text, QString& fault) {
-            return enterShape(part, text, fault);
+        connectField(_shapes[i], [this, part = parts[i]](const QString& text) {
+            return enterShape(part, text);
         });
     }
-    connectField(_time,
-                 [this](const QString& text, QString& fault) { return enterTime(text, fault); });
-    connectField(_value,
-                 [this](const QString& text, QString& fault) { return enterValue(text, fault); });
+    connectField(_time, [this](const QString& text) { return enterTime(text); });
+    connectField(_value, [this](const QString& text) { return enterValue(text); });
     _reset = new QToolButton(this);
     _reset->setText(tr("Reset"));
     _reset->setToolTip(tr("Makes tension, bias and continuity 0"));
@@ -271,36 +268,59 @@ QString KWKeyEntryPanel::frameText(const std::vector<KWTime>& keys) const {
     return tr("%1\u2013%2 f", "frames").arg(frame(keys.front()), frame(keys.back()));
 }
 
-// --- What is typed. Each answers whether it has changed anything.
+// --- What is typed. Each answers why it was refused, or nothing.
 
-bool KWKeyEntryPanel::enterTime(const QString& text, QString& fault) {
-    const Typed typed(text);
-    const std::vector<KWTime> keys = _commands->keys();
-    const std::optional<float> time = readTime(typed.number, _rate, fault);
-    if (!time || keys.empty())
-        return false;
-    if (typed.isOffset)
-        return _commands->offsetTimes(typed.sign * *time);
-    if (keys.size() == 1)
-        return _commands->setTime(*time);
-    return _commands->offsetTimes(*time - keys.front().time());
+namespace {
+
+/// Runs a command, which may be the end of the commands.
+template <class Command>
+QString run(const QPointer<KWKeyCommands>& commands, const Command& command) {
+    const QPointer<KWKeyCommands> alive(commands);
+    command(*alive);
+    return alive ? alive->fault() : QString();
 }
 
-bool KWKeyEntryPanel::enterValue(const QString& text, QString& fault) {
+} // namespace
+
+QString KWKeyEntryPanel::enterTime(const QString& text) {
+    const Typed typed(text);
+    QString fault;
+    const std::optional<float> read = readTime(typed.number, _rate, fault);
+    const std::vector<KWTime> keys = _commands->keys();
+    if (!read || keys.empty())
+        return fault;
+    const float time = typed.sign * *read;
+    return run(_commands, [&](KWKeyCommands& commands) {
+        if (!typed.isOffset && keys.size() == 1)
+            commands.setTime(time);
+        else
+            commands.offsetTimes(typed.isOffset ? time : time - keys.front().time());
+    });
+}
+
+QString KWKeyEntryPanel::enterValue(const QString& text) {
     const Typed typed(text);
     const KWChannelView* const view = _commands->view();
     const auto channel = view ? view->primaryChannel() : nullptr;
     if (!channel)
-        return false;
-    const std::optional<float> value = readNumber(typed.number, channel->unitType(), fault);
-    if (!value)
-        return false;
-    if (typed.isOffset)
-        return _commands->offsetValues(channel->convertValueToUserUnit(typed.sign * *value));
-    return _commands->setStoredValues(*value);
+        return {};
+    QString fault;
+    const std::optional<float> read = readNumber(typed.number, channel->unitType(), fault);
+    if (!read || !_commands->canCopy())
+        return fault;
+    const float value = typed.sign * *read;
+    return run(_commands, [&](KWKeyCommands& commands) {
+        if (typed.isOffset)
+            commands.offsetValues(channel->convertValueToUserUnit(value));
+        else
+            commands.setStoredValues(value);
+    });
 }
 
-bool KWKeyEntryPanel::enterShape(KWKeyShape part, const QString& text, QString& fault) {
+QString KWKeyEntryPanel::enterShape(KWKeyShape part, const QString& text) {
+    QString fault;
     const std::optional<float> number = readNumber(text.toStdString(), KWUnitTypeNone, fault);
-    return number && _commands->setShapes(part, *number);
+    if (!number || !_commands->canCopy())
+        return fault;
+    return run(_commands, [&](KWKeyCommands& commands) { commands.setShapes(part, *number); });
 }

@@ -44,9 +44,9 @@ class KWKeyEntryPanel : public QWidget {
     void fill();
     void fillFields(const KWKeyFramedChannel* channel, const std::vector<KWTime>& keys);
     QString frameText(const std::vector<KWTime>& keys) const;
-    bool enterTime(const QString& text, QString& fault);
-    bool enterValue(const QString& text, QString& fault);
-    bool enterShape(KWKeyShape part, const QString& text, QString& fault);
+    QString enterTime(const QString& text);
+    QString enterValue(const QString& text);
+    QString enterShape(KWKeyShape part, const QString& text);
 
     QPointer<KWKeyCommands> _commands;
     double _rate = 25;
