@@ -4,10 +4,10 @@
 kw_build_packages=(
     cmake ninja-build g++ pkg-config
     libexpat1-dev libhwy-dev libcli11-dev nlohmann-json3-dev
-    qt6-base-dev libqt6opengl6-dev qt6-svg-dev qt6-tools-dev
+    qt6-base-dev libqt6opengl6-dev qt6-svg-dev qt6-tools-dev qt6-l10n-tools
     libavformat-dev libavcodec-dev libavutil-dev libswscale-dev # movies
     libgl1-mesa-dev libglu1-mesa-dev                            # the image viewer
-    qt6-image-formats-plugins fonts-dejavu-core # for the views, when they run
+    qt6-image-formats-plugins qt6-translations-l10n fonts-dejavu-core # for the views, when they run
 )
 # What the tests and the benchmarks need besides.
 kw_test_packages=(
