@@ -63,6 +63,24 @@ TEST(KWEditDocument, AnEditOfAKeyThatIsUndoneLeavesTheDocumentAsSaved) {
     EXPECT_TRUE(it.document.isModified());
 }
 
+TEST(KWEditDocument, TheElementTellsThatItsChannelsCameWentOrHaveOtherNames) {
+    Editing it;
+    const auto element = it.document.addElement(QStringLiteral("Lamp"));
+    std::vector<std::size_t> counts;
+    const auto token = KWNotificationCenter::defaultCenter().addObserver(
+        KWElementChannelsDidChangeNotification, element.get(),
+        [&](const KWNotification&) { counts.push_back(element->channelArray()->channelCount()); });
+    const auto channel = std::make_shared<KWKeyFramedChannel>("x");
+    it.document.addChannel(element, channel, QStringLiteral("Position"));
+    it.document.undo();
+    EXPECT_EQ(element->channelArray()->channelGroupCount(), 0U);
+    it.document.redo();
+    it.document.renameChannel(channel, QStringLiteral("y"));
+    it.document.removeChannel(element, channel);
+    it.document.undo();
+    EXPECT_EQ(counts, (std::vector<std::size_t>{1, 0, 1, 1, 0, 1}));
+}
+
 TEST(KWEditDocument, OpensSavesAndReopensInAllForms) {
     for (const Form form : {Form::binary, Form::xml, Form::sequential}) {
         Editing it;

@@ -15,8 +15,8 @@
 
 class KWAlgebricChannel;
 
-/// Posted by an element, with itself as object, when channels or groups of it have come, gone, or
-/// taken another's place: outlines reload. Only an element in a std::shared_ptr posts it.
+/// Posted by an element, with itself as object, when channels or groups of it have come, gone, taken
+/// another's place or another name: outlines reload. Only an element in a std::shared_ptr posts it.
 inline constexpr std::string_view KWElementChannelsDidChangeNotification =
     "KWElementChannelsDidChangeNotification";
 
@@ -67,6 +67,8 @@ class KWElement final : public KWChannelElement, public KWChannelOwner {
     /// without a channel array.
     void addChannelToGroupNamed(const std::shared_ptr<KWChannel>& channel,
                                 const std::string& group = {});
+    /// For whoever has changed the lists of the channel array, or the names in it, itself.
+    void postChannelsDidChange();
 
     /// Null for no undo. Not kept alive: once it is gone there is none.
     KWUndoManager* undoManager() override { return _undoManager.lock().get(); }
@@ -95,7 +97,6 @@ class KWElement final : public KWChannelElement, public KWChannelOwner {
     void finishExpressionTexts();
 
   private:
-    void postChannelsDidChange();
     void takeArchivedTexts(const KWArchiveValue& value);
     KWArchiveValue expressionTexts(const KWChannelList& channels) const;
     void restoreExpressionTexts(bool isLogging);

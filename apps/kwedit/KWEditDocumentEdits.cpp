@@ -46,12 +46,15 @@ void putChannel(KWElement& element, const ChannelPlace& place,
     channel->setChannelGroup(place.group);
     channel->setOwner(&element);
     channel->invalidate();
+    element.postChannelsDidChange();
 }
 
-void takeChannel(const ChannelPlace& place, const std::shared_ptr<KWChannel>& channel) {
+void takeChannel(KWElement& element, const ChannelPlace& place,
+                 const std::shared_ptr<KWChannel>& channel) {
     std::erase(*place.list, channel);
     channel->setChannelGroup(nullptr);
     channel->setOwner(nullptr);
+    element.postChannelsDidChange();
 }
 
 } // namespace
@@ -229,10 +232,10 @@ bool KWEditDocument::addChannel(const std::shared_ptr<KWElement>& element,
                 array->channelGroups()->push_back(place.group);
             putChannel(*element, place, channel);
         },
-        [channel, place, array, isNewGroup] {
-            takeChannel(place, channel);
+        [element, channel, place, array, isNewGroup] {
             if (isNewGroup)
                 array->removeGroup(place.group);
+            takeChannel(*element, place, channel);
         });
     return true;
 }
@@ -243,7 +246,7 @@ bool KWEditDocument::removeChannel(const std::shared_ptr<KWElement>& element,
     if (!place)
         return false;
     perform(
-        tr("Remove Channel"), [place, channel] { takeChannel(*place, channel); },
+        tr("Remove Channel"), [element, place, channel] { takeChannel(*element, *place, channel); },
         [element, place, channel] { putChannel(*element, *place, channel); });
     return true;
 }
@@ -253,7 +256,12 @@ void KWEditDocument::renameChannel(const std::shared_ptr<KWChannel>& channel, co
     const std::string after = name.toStdString();
     if (before == after)
         return;
+    const auto rename = [channel](const std::string& to) {
+        channel->setName(to);
+        if (auto* const element = dynamic_cast<KWElement*>(channel->owner()))
+            element->postChannelsDidChange();
+    };
     perform(
-        tr("Rename Channel"), [channel, after] { channel->setName(after); },
-        [channel, before] { channel->setName(before); });
+        tr("Rename Channel"), [rename, after] { rename(after); },
+        [rename, before] { rename(before); });
 }
