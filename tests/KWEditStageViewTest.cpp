@@ -447,7 +447,7 @@ TEST(KWEditStageView, ChannelsThatAreComputedAreLeftAloneAndItIsSaid) {
     it.drag({80, 45}, {110, 25});
     EXPECT_EQ(x->valueForTime(KWTime(0)), 0);
     EXPECT_FLOAT_EQ(StageTest::valueOf(*sprite, "y"), 2);
-    EXPECT_EQ(it.messages, QStringList{"x of “Square” cannot be set by hand."});
+    EXPECT_EQ(it.messages, QStringList{QString::fromUtf8("x of “Square” cannot be set by hand.")});
 }
 
 TEST(KWEditStageView, ASpriteWithoutChannelsStaysAndItIsSaid) {
@@ -455,7 +455,8 @@ TEST(KWEditStageView, ASpriteWithoutChannelsStaysAndItIsSaid) {
     it.addSprite("Square");
     it.settle();
     it.drag({80, 45}, {110, 25});
-    EXPECT_EQ(it.messages, QStringList{"“Square” has no channels x and y to move it with."});
+    EXPECT_EQ(it.messages,
+              QStringList{QString::fromUtf8("“Square” has no channels x and y to move it with.")});
     EXPECT_FALSE(it.document.canUndo());
     EXPECT_FALSE(it.document.isModified());
     EXPECT_FALSE(it.view->isGestureActive());
@@ -540,7 +541,7 @@ TEST(KWEditStageView, DroppedFilesComeWithTheirPlaceOnTheStage) {
     EXPECT_TRUE(enter.isAccepted());
     QDropEvent drop({90, 25}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(it.view.get(), &drop);
-    EXPECT_EQ(files, QStringList{"/some/picture.png"});
+    EXPECT_EQ(files, QStringList{QString::fromUtf8("/some/picture.png")});
     EXPECT_EQ(point, QPointF(1, 2));
     QMimeData text;
     text.setText(QStringLiteral("words"));
@@ -567,5 +568,6 @@ TEST(KWEditStageView, WhatIsMissingIsToldOnce) {
     it.transport.scrub(1);
     StageTest::turn();
     EXPECT_EQ(told.count(), 1);
-    EXPECT_EQ(it.view->problems(), QStringList{"missing.png: there is no such file"});
+    EXPECT_EQ(it.view->problems(),
+              QStringList{QString::fromUtf8("missing.png: there is no such file")});
 }

@@ -1,4 +1,5 @@
 #include <apps/kwedit/window/KWEditQuestions.h>
+#include <apps/kwedit/window/KWElementInspector.h>
 
 #include <QCoreApplication>
 #include <QFileDialog>
@@ -62,10 +63,8 @@ std::optional<KWEditQuestions::Target> KWEditQuestions::whereToSave(QWidget* win
 }
 
 QStringList KWEditQuestions::filesToPlace(QWidget* window, const QString& folder) {
-    return QFileDialog::getOpenFileNames(
-        window, Text::tr("New from Files"), folder,
-        Text::tr("Pictures and movies (*.png *.jpg *.jpeg *.gif *.bmp *.webp "
-                 "*.tif *.tiff *.svg *.mp4 *.mov *.mkv *.webm *.avi);;All files (*)"));
+    return QFileDialog::getOpenFileNames(window, Text::tr("New from Files"), folder,
+                                         KWElementInspector::fileFilter());
 }
 
 KWEditQuestions::Unsaved KWEditQuestions::whatOfUnsaved(QWidget* window, const QString& name) {

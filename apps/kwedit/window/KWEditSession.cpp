@@ -34,8 +34,6 @@ void KWEditSession::documentReplaced() {
     _later.stop();
     _isStructureDue = false;
     _selected.clear();
-    _followedStage = {};
-    followStage();
     _transport.pause();
     _transport.gotoBeginning();
     listElements();
@@ -44,19 +42,8 @@ void KWEditSession::documentReplaced() {
 }
 
 void KWEditSession::structureChanged() {
-    followStage();
     listElements();
     dropSelectionThatIsGone();
-}
-
-/// What the user has set in the transport bar stays until the document's own settings change.
-void KWEditSession::followStage() {
-    const KWStage stage = _document.stage();
-    if (stage.rate != _followedStage.rate || _followedStage == KWStage{})
-        _transport.setFramesPerSecond(stage.rate);
-    if (stage != _followedStage || stage == KWStage{})
-        _transport.setRange(stage.firstFrame(), stage.lastFrame());
-    _followedStage = stage;
 }
 
 void KWEditSession::listElements() {

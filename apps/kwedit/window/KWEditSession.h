@@ -4,6 +4,7 @@
 
 #include <apps/kwedit/KWEditDocument.h>
 #include <apps/kwedit/KWEditTransport.h>
+#include <apps/kwedit/window/KWEditStageTiming.h>
 
 #include <QObject>
 #include <QTimer>
@@ -14,8 +15,7 @@
 /// its elements, and which of them are selected. No widget.
 ///
 /// Every channel's kept value is brought up to the time when the time changes and, once in the next
-/// pass of the event loop, when channels have changed. The rate and the range of the transport are
-/// those of the document's stage whenever that has changed.
+/// pass of the event loop, when channels have changed.
 class KWEditSession : public QObject {
     Q_OBJECT
 
@@ -26,6 +26,7 @@ class KWEditSession : public QObject {
     KWEditDocument& document() { return _document; }
     const KWEditDocument& document() const { return _document; }
     KWEditTransport& transport() { return _transport; }
+    KWEditStageTiming& timing() { return _timing; }
     /// The elements that have channels to show, each a KWChannelElement, in the document's order:
     /// those of the document, and for channels of other programs' objects a stand-in.
     KWArrayController& elements() { return _elements; }
@@ -55,17 +56,16 @@ class KWEditSession : public QObject {
     void structureChanged();
     void listElements();
     void dropSelectionThatIsGone();
-    void followStage();
     void schedule();
     void updateChannels();
 
     KWEditDocument _document;
     KWEditTransport _transport;
+    KWEditStageTiming _timing{_document, _transport};
     KWArrayController _elements;
     std::vector<std::shared_ptr<KWElement>> _selected;
     std::vector<std::shared_ptr<KWChannel>> _channels;
     std::vector<std::function<bool()>> _gestureQuestions;
-    KWStage _followedStage;
     QTimer _later;
     bool _isStructureDue = false;
 };

@@ -5,6 +5,7 @@
 #include <apps/kwedit/window/KWEditOutlinePane.h>
 #include <apps/kwedit/window/KWEditStageView.h>
 #include <apps/kwedit/window/KWEditWindow.h>
+#include <apps/kwedit/window/KWElementInspector.h>
 #include <apps/kwedit/window/KWHistoryPanel.h>
 #include <apps/kwedit/window/KWInspectorPanel.h>
 #include <apps/kwedit/window/KWTour.h>
@@ -78,7 +79,8 @@ void KWEditWindow::makePanes() {
     _stage = new KWEditStageView(_session.document(), _session.transport());
     _transportBar = new KWTransportBar(_session.transport());
     _curves = new KWEditCurvesPane(_session);
-    _inspectors = new KWInspectorPanel(_session.document(), _session.transport());
+    _inspectors =
+        new KWInspectorPanel(_session.document(), _session.transport(), _session.timing());
     _panes = new KWEditPanes({_outline, _history, _stage, _transportBar, _curves, _inspectors});
     setCentralWidget(_panes);
     _session.addGestureQuestion([this] { return _stage->isGestureActive(); });
@@ -104,7 +106,7 @@ void KWEditWindow::connectSession() {
     connect(&_session, &KWEditSession::elementsChanged, this, &KWEditWindow::updateCommands);
     connect(&_session, &KWEditSession::selectionChanged, this, [this] {
         _stage->setSelectedElements(_session.selectedElements());
-        _inspectors->setElements(_session.selectedElements());
+        _inspectors->elementInspector().setElements(_session.selectedElements());
         updateCommands();
     });
     connect(_outline, &KWEditOutlinePane::channelSelected, _curves, &KWEditCurvesPane::edit);
@@ -115,6 +117,8 @@ void KWEditWindow::connectSession() {
                 updateKeyTimes();
                 updateCommands();
             });
+    connect(_transportBar, &KWTransportBar::framesPerSecondEdited, &_session.timing(),
+            &KWEditStageTiming::setRate);
     connect(_curves, &KWEditCurvesPane::message, this, &KWEditWindow::tell);
     connect(_curves, &KWEditCurvesPane::closed, this, [this] { setCurvesFloating(false); });
     connect(_stage, &KWEditStageView::elementPicked, &_session, &KWEditSession::selectElement);

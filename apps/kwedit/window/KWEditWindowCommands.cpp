@@ -3,12 +3,14 @@
 #include <KWBase/KWConstantChannel.h>
 #include <KWBase/KWKeyCommands.h>
 
-#include <apps/kwedit/window/KWChannelDialog.h>
 #include <apps/kwedit/window/KWEditCurvesPane.h>
 #include <apps/kwedit/window/KWEditLanguage.h>
 #include <apps/kwedit/window/KWEditOutlinePane.h>
 #include <apps/kwedit/window/KWEditStageView.h>
 #include <apps/kwedit/window/KWEditWindow.h>
+#include <apps/kwedit/window/KWElementChannelsView.h>
+#include <apps/kwedit/window/KWElementInspector.h>
+#include <apps/kwedit/window/KWInspectorPanel.h>
 #include <apps/kwedit/window/KWShortcutsDialog.h>
 #include <apps/kwedit/window/KWTour.h>
 
@@ -104,9 +106,7 @@ void KWEditWindow::connectElementCommands() {
         addFiles(_around.questions.filesToPlace(this, _session.document().folder()));
     });
     _commands->connectTo("element.addChannel", this, [this] {
-        const auto& selected = _session.selectedElements();
-        if (!selected.empty())
-            KWChannelDialog::addChannel(_session.document(), selected.front(), this);
+        _inspectors->elementInspector().channelsView().askForChannel();
     });
     _commands->connectTo("element.rename", this, [this] { renameSelected(); });
     _commands->connectTo("element.raise", this, [this] { moveSelected(1); });
@@ -116,17 +116,15 @@ void KWEditWindow::connectElementCommands() {
 }
 
 void KWEditWindow::fillShapes() {
-    const std::pair<const char*, QString> names[] = {
-        {"rectangle", tr("Rectangle")}, {"rounded", tr("Rounded Rectangle")},
-        {"ellipse", tr("Ellipse")},     {"triangle", tr("Triangle")},
-        {"diamond", tr("Diamond")},     {"star", tr("Star")},
-        {"glow", tr("Glow")},           {"ball", tr("Ball")}};
-    for (const auto& [shape, title] : names) {
+    const QStringList shapes = KWSpriteContent::shapeNames();
+    for (const QString& shape : shapes) {
+        const QString title = KWElementInspector::shapeTitle(shape);
         QAction* const action = _commands->submenu("element.shape")->addAction(title);
-        connect(action, &QAction::triggered, this, [this, shape = shape, title = title] {
+        action->setIcon(KWElementInspector::shapeIcon(shape, palette().color(QPalette::Text)));
+        connect(action, &QAction::triggered, this, [this, shape, title] {
             KWSpriteContent content;
             content.kind = KWSpriteContent::Kind::shape;
-            content.shape = QLatin1String(shape);
+            content.shape = shape;
             addSprite(title, content);
         });
     }
@@ -151,15 +149,11 @@ void KWEditWindow::addFiles(const QStringList& files, const QPointF& point) {
     if (files.isEmpty())
         return;
     KWEditDocument& document = _session.document();
-    const QDir folder(document.folder());
     const KWEditDocument::Step step(document, tr("Add Sprites"));
     for (const QString& file : files) {
         KWSpriteContent content;
         content.kind = KWSpriteContent::Kind::file;
-        const QString relative = folder.relativeFilePath(file);
-        content.file = document.filePath().isEmpty() || relative.startsWith(QLatin1String(".."))
-                           ? QFileInfo(file).absoluteFilePath()
-                           : relative;
+        content.file = KWElementInspector::contentPath(document, file);
         const auto element = addSprite(QFileInfo(file).completeBaseName(), content);
         if (!element || point.isNull())
             continue;
