@@ -217,13 +217,10 @@ KWElementChannelsView::KWElementChannelsView(KWEditDocument& document, QWidget* 
         const QString name = item->text(0).trimmed();
         if (!name.isEmpty())
             _document->renameChannel(channel, name);
-        // In the middle of an edit, the items stay.
-        QMetaObject::invokeMethod(this, &KWElementChannelsView::follow, Qt::QueuedConnection);
+        followSoon();
     });
-    connect(&document, &KWEditDocument::structureChanged, this, [this] {
-        // Keys may have come or gone.
-        QMetaObject::invokeMethod(this, &KWElementChannelsView::follow, Qt::QueuedConnection);
-    });
+    // Keys may have come or gone.
+    connect(&document, &KWEditDocument::structureChanged, this, &KWElementChannelsView::followSoon);
     updateButtons();
     updateHeight();
 }
@@ -236,7 +233,7 @@ void KWElementChannelsView::setElement(const std::shared_ptr<KWElement>& element
     if (element)
         _changes = KWNotificationCenter::defaultCenter().addObserver(
             KWElementChannelsDidChangeNotification, element.get(),
-            [this](const KWNotification&) { follow(); });
+            [this](const KWNotification&) { followSoon(); });
     follow();
 }
 
@@ -280,8 +277,16 @@ void KWElementChannelsView::addItem(QTreeWidgetItem* parent,
     _channels.push_back(channel);
 }
 
-/// The same items as before stay, so that what is being edited does.
+/// In the middle of an edit, the items stay.
+void KWElementChannelsView::followSoon() {
+    if (_isFollowPending)
+        return;
+    _isFollowPending = true;
+    QMetaObject::invokeMethod(this, &KWElementChannelsView::follow, Qt::QueuedConnection);
+}
+
 void KWElementChannelsView::follow() {
+    _isFollowPending = false;
     const auto current = currentChannel();
     const auto array = _element ? _element->channelArray() : nullptr;
     _isFollowing = true;
@@ -444,6 +449,7 @@ void KWElementChannelsView::removeCurrentChannel() {
     if (!channel)
         return;
     _document->removeChannel(_element, channel);
+    follow();
     Q_EMIT currentChannelChanged(currentChannel());
 }
 

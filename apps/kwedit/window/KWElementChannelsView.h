@@ -74,6 +74,7 @@ class KWElementChannelsView : public QWidget {
 
   private:
     void follow();
+    void followSoon();
     void fillMenu();
     QTreeWidgetItem* itemOf(const std::shared_ptr<KWChannel>& channel) const;
     std::shared_ptr<KWChannel> channelOf(const QTreeWidgetItem* item) const;
@@ -93,4 +94,5 @@ class KWElementChannelsView : public QWidget {
     QToolButton* _rename;
     std::vector<std::shared_ptr<KWChannel>> _channels; ///< of the items
     bool _isFollowing = false;
+    bool _isFollowPending = false;
 };

@@ -33,7 +33,7 @@ class KWInspectorPanel : public QScrollArea {
     bool restoreState(const QByteArray& state);
 
     QSize sizeHint() const override { return {280, 480}; }
-    QSize minimumSizeHint() const override { return {220, 120}; }
+    QSize minimumSizeHint() const override { return {250, 120}; }
 
   Q_SIGNALS:
     /// An inspector was collapsed or expanded.

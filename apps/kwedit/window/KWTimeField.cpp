@@ -68,12 +68,19 @@ void KWTimeField::keyPressEvent(QKeyEvent* event) {
     QLineEdit::keyPressEvent(event);
 }
 
-/// As wide as an hour is.
-QSize KWTimeField::sizeHint() const {
+QSize KWTimeField::sizeFor(const QString& text) const {
     QStyleOptionFrame option;
     initStyleOption(&option);
-    const QSize text(fontMetrics().horizontalAdvance(QStringLiteral("0:00:00.000")) + 6,
-                     fontMetrics().height());
-    const QSize size = style()->sizeFromContents(QStyle::CT_LineEdit, &option, text, this);
+    const QSize inside(fontMetrics().horizontalAdvance(text) + 6, fontMetrics().height());
+    const QSize size = style()->sizeFromContents(QStyle::CT_LineEdit, &option, inside, this);
     return {size.width(), QLineEdit::sizeHint().height()};
+}
+
+/// As wide as an hour is.
+QSize KWTimeField::sizeHint() const {
+    return sizeFor(QStringLiteral("0:00:00.000"));
+}
+
+QSize KWTimeField::minimumSizeHint() const {
+    return sizeFor(QStringLiteral("00.000"));
 }

@@ -22,7 +22,7 @@ class KWTimeField : public QLineEdit {
     void setShowsFrames(bool showsFrames);
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    QSize minimumSizeHint() const override;
 
   Q_SIGNALS:
     /// Typed by the user.
@@ -34,6 +34,7 @@ class KWTimeField : public QLineEdit {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    QSize sizeFor(const QString& text) const;
     void showTime();
     void commit();
 
