@@ -131,10 +131,8 @@ void KWApplyKeyChange(KWKeyFramedChannel& channel, const KWKeyChange& change,
             lists.add(key);
         raised.during([&] { channel.removeValuesForKeyframes(change.removed); });
     }
-    if (lists.keys.empty())
-        raised.during([&] { channel.invalidate(); });
-    else
-        raised.during([&] {
-            channel.setValuesHermiteValuesForKeyframes(lists.values, lists.records, lists.keys);
-        });
+    // Without keys this invalidates the channel, and no more.
+    raised.during([&] {
+        channel.setValuesHermiteValuesForKeyframes(lists.values, lists.records, lists.keys);
+    });
 }

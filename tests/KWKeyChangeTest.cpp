@@ -1,5 +1,8 @@
 #include "KeyCommandsTestSupport.h"
 
+#include <KWBase/KWKeyChange.h>
+#include <KWFoundation/KWFirstException.h>
+
 #include <QElapsedTimer>
 #include <algorithm>
 #include <map>
@@ -113,6 +116,43 @@ struct PlainKeys {
 };
 
 } // namespace
+
+TEST_F(KWKeyChangeTest, ManyKeysThatComeAndGoAtOnceAgreeWithLists) {
+    std::mt19937 random(1);
+    const auto pick = [&] {
+        const HJHermiteParam shape{static_cast<float>(random() % 9), -0.0f, 1, {0, kwNaN}};
+        return KWKey{static_cast<float>(random() % 8000) / 4, static_cast<float>(random() % 100),
+                     KWKeyFramedChannel::hermiteDataFrom(&shape)};
+    };
+    KWKeyFramedChannel many;
+    PlainKeys plain;
+    for (int k = 0; k < 6000; ++k) {
+        const KWKey key = pick();
+        plain.keys.insert_or_assign(key.time, PlainKeys::Key{key.value, key.record});
+        many.setValueHermiteValueForKeyframe(key.value, key.record, KWTime(key.time));
+    }
+    KWKeyChange change;
+    for (int k = 0; k < 2000; ++k) {
+        change.removed.emplace_back(pick().time);
+        plain.keys.erase(change.removed.back().time());
+    }
+    for (int k = 0; k < 2000; ++k) {
+        change.set.push_back(pick());
+        const KWKey& key = change.set.back();
+        plain.keys.insert_or_assign(key.time, PlainKeys::Key{key.value, key.record});
+    }
+    KWFirstException raised;
+    KWApplyKeyChange(many, KWNormalKeyChange(many, change), raised);
+    EXPECT_EQ(contentsOf(many), plain.contents());
+    KWKeyChange all;
+    all.removed = many.allKeyframes();
+    int invalidations = 0;
+    ValidObserver observer([&] { ++invalidations; });
+    observer.observe(many);
+    KWApplyKeyChange(many, KWNormalKeyChange(many, all), raised);
+    EXPECT_EQ(many.keyframeCount(), 0u);
+    EXPECT_EQ(invalidations, 1) << "in one go, and told of";
+}
 
 class KWKeyChangeSequence : public KWKeyCommandsTest, public testing::WithParamInterface<int> {
   protected:

@@ -288,6 +288,28 @@ TEST_F(KWKeyCommandsTest, WhoIsToldMayEditOrCommandOrGo) {
         }
 }
 
+TEST_F(KWKeyCommandsTest, AnEditThatComesBeforeTakesThePlaceOfTheCommand) {
+    select({2});
+    QObject::connect(&commands, &KWChannelEditSource::willEdit, [&] { set(5, 5); });
+    EXPECT_FALSE(commands.nudge(1, 0));
+    EXPECT_EQ(times(), (std::vector<float>{1, 2, 4, 5, 8}));
+    EXPECT_EQ(selection(), std::vector<float>{2});
+    EXPECT_EQ(steps(), 1);
+}
+
+TEST_F(KWKeyCommandsTest, InTheMiddleOfACommandThereIsNoOther) {
+    select({2});
+    int count = 0;
+    QObject::connect(&commands, &KWChannelEditSource::willEdit, [&] {
+        ++count;
+        EXPECT_FALSE(commands.canCopy() || commands.deleteKeys() || commands.selectAll());
+    });
+    EXPECT_TRUE(commands.nudge(1, 0));
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(times(), (std::vector<float>{1, 2.25f, 4, 8}));
+    EXPECT_TRUE(commands.canCopy());
+}
+
 TEST_F(KWKeyCommandsTest, CommandsThatGoInTheMiddleFinishTheirEdit) {
     auto own = std::make_unique<KWKeyCommands>(*view);
     own->setTimeStep(0.25);
