@@ -173,7 +173,11 @@ KWChannelViewNavigator::KWChannelViewNavigator(KWChannelView& view, QObject* par
         if (_drag == Drag::none)
             _cursor = Cursor::own;
     });
-    connect(&view, &QObject::destroyed, this, &KWChannelViewNavigator::endDrag);
+    // By then it is no curve view any more.
+    connect(&view, &QObject::destroyed, this, [this] {
+        _view.clear();
+        endDrag();
+    });
 }
 
 KWChannelViewNavigator::~KWChannelViewNavigator() {
@@ -286,7 +290,8 @@ bool KWChannelViewNavigator::panBy(const QPointF& distance) {
 // --- Events.
 
 bool KWChannelViewNavigator::eventFilter(QObject* watched, QEvent* event) {
-    if (!_view || watched != _view || _view->isGestureActive())
+    // Events come to a view that is half gone, too, and is no curve view any more.
+    if (!qobject_cast<KWChannelView*>(watched) || watched != _view || _view->isGestureActive())
         return QObject::eventFilter(watched, event);
     bool isTaken = true;
     KWRunAndLog("What navigates in a curve view has come upon an exception: ",

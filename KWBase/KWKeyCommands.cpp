@@ -94,7 +94,11 @@ KWKeyCommands::KWKeyCommands(KWChannelView& view, QObject* parent)
     connect(&view, &KWChannelView::currentTimeChanged, this, &KWKeyCommands::noteChange);
     connect(&view, &KWChannelView::gestureWillBegin, this, &KWKeyCommands::noteChange);
     connect(&view, &KWChannelView::gestureDidEnd, this, &KWKeyCommands::noteChange);
-    connect(&view, &QObject::destroyed, this, &KWKeyCommands::noteChange);
+    // By then it is no curve view any more.
+    connect(&view, &QObject::destroyed, this, [this] {
+        _view.clear();
+        observeChannel();
+    });
     connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this,
             &KWKeyCommands::noteChange);
     observeChannel();
@@ -163,7 +167,9 @@ void KWKeyCommands::setHandlesArrowKeys(bool handles) {
 bool KWKeyCommands::eventFilter(QObject* watched, QEvent* event) {
     const bool isKey =
         event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
-    if (watched == _view && isKey && arrowKey(*static_cast<QKeyEvent*>(event)))
+    // A view that is half gone is no curve view any more.
+    if (isKey && qobject_cast<KWChannelView*>(watched) && watched == _view &&
+        arrowKey(*static_cast<QKeyEvent*>(event)))
         return true;
     return KWChannelEditSource::eventFilter(watched, event);
 }

@@ -68,7 +68,8 @@ std::vector<KWTime> timesOf(const std::vector<KWKey>& keys) {
 
 HJHermiteParam shapeOf(const KWData& record) {
     HJHermiteParam shape;
-    std::memcpy(&shape, record.data(), std::min(sizeof shape, record.size()));
+    if (!record.empty())
+        std::memcpy(&shape, record.data(), std::min(sizeof shape, record.size()));
     return shape;
 }
 

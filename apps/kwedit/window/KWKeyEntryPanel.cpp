@@ -89,7 +89,8 @@ class Common {
 
 HJHermiteParam shapeOf(const KWKeyFramedChannel& channel, KWTime key) {
     HJHermiteParam shape;
-    if (const std::optional<KWData> record = channel.hermiteValueForKeyframe(key))
+    const std::optional<KWData> record = channel.hermiteValueForKeyframe(key);
+    if (record && !record->empty())
         std::memcpy(&shape, record->data(), std::min(sizeof shape, record->size()));
     return shape;
 }
