@@ -74,9 +74,16 @@ class KW_EXPORT KWKeyCommands : public KWChannelEditSource, private KWKeyObserve
     bool canInvertSelection() const;
     bool canSelectNextKey() const;
     bool canSelectPreviousKey() const;
-    /// Whether there are selected keys: also for cut(), duplicate(), deleteKeys(), nudge(),
-    /// offsetTimes(), setValues(), offsetValues(), setShapes() and resetShapes().
+    /// Whether there are selected keys. So it is with those that follow, for menus that ask one
+    /// question for each command.
     bool canCopy() const;
+    bool canCut() const { return canCopy(); }
+    bool canDuplicate() const { return canCopy(); }
+    bool canDelete() const { return canCopy(); }
+    /// Also offsetTimes().
+    bool canNudge() const { return canCopy(); }
+    /// Also offsetValues(), setShapes() and resetShapes().
+    bool canSetValues() const { return canCopy(); }
     /// Whether exactly one key is selected.
     bool canSetTime() const;
     /// Whether the clipboard has keys or text, for which there is a channel.

@@ -457,6 +457,30 @@ TEST_F(KWChannelViewNavigatorTest, EscapePutsBackTheTime) {
     EXPECT_EQ(heard, "began 4 3 ended ");
 }
 
+TEST_F(KWChannelViewNavigatorTest, InAWindowThePressTakesTheKeyboardForEscape) {
+    QWidget window;
+    QWidget other(&window);
+    other.setFocusPolicy(Qt::StrongFocus);
+    view->setParent(&window);
+    view->setGeometry(0, 0, 320, 160);
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    for (const Qt::MouseButton button : {Qt::LeftButton, Qt::MiddleButton}) {
+        other.setFocus();
+        const QPoint from = line().toPoint();
+        QTest::mousePress(view.get(), button, Qt::NoModifier, from);
+        QTest::mouseMove(view.get(), from + QPoint(64, 16));
+        EXPECT_NE(bounds() == whole, view->currentTime() == 3);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        EXPECT_EQ(bounds(), whole);
+        EXPECT_EQ(view->currentTime(), 3);
+        QTest::mouseRelease(view.get(), button, Qt::NoModifier, from);
+    }
+    EXPECT_FALSE(navigator->isScrubbing() || navigator->isPanning());
+    view->setParent(nullptr);
+}
+
 TEST_F(KWChannelViewNavigatorTest, ADraggedTimeStopsAtFrames) {
     navigator->setTimeStep(0.5);
     pressAt(line());

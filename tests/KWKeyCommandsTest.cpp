@@ -75,7 +75,9 @@ TEST_F(KWKeyCommandsTest, WithoutKeysNothingCanBeDone) {
     const auto expectNothing = [this] {
         EXPECT_FALSE(commands.canSelectAll() || commands.canInvertSelection() ||
                      commands.canSelectNextKey() || commands.canSelectPreviousKey() ||
-                     commands.canCopy() || commands.canSetTime());
+                     commands.canCopy() || commands.canCut() || commands.canDuplicate() ||
+                     commands.canDelete() || commands.canNudge() || commands.canSetValues() ||
+                     commands.canSetTime());
         EXPECT_TRUE(commands.keys().empty());
         EXPECT_EQ(commands.mimeData(), nullptr);
         EXPECT_FALSE(commands.selectAll() || commands.selectInverse() || commands.selectNextKey() ||

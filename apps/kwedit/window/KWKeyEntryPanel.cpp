@@ -307,7 +307,7 @@ QString KWKeyEntryPanel::enterValue(const QString& text) {
         return {};
     QString fault;
     const std::optional<float> read = readNumber(typed.number, channel->unitType(), fault);
-    if (!read || !_commands->canCopy())
+    if (!read || !_commands->canSetValues())
         return fault;
     const float value = typed.sign * *read;
     return run(_commands, [&](KWKeyCommands& commands) {
@@ -321,7 +321,7 @@ QString KWKeyEntryPanel::enterValue(const QString& text) {
 QString KWKeyEntryPanel::enterShape(KWKeyShape part, const QString& text) {
     QString fault;
     const std::optional<float> number = readNumber(text.toStdString(), KWUnitTypeNone, fault);
-    if (!number || !_commands->canCopy())
+    if (!number || !_commands->canSetValues())
         return fault;
     return run(_commands, [&](KWKeyCommands& commands) { commands.setShapes(part, *number); });
 }
