@@ -2,6 +2,8 @@
 #include <KWFoundation/KWCoder.h>
 #include <KWFoundation/KWLog.h>
 
+#include <algorithm>
+
 namespace {
 
 bool isMode(std::int32_t mode) {
@@ -23,10 +25,11 @@ KWExpressionFault faultBefore(const std::optional<std::string>& text, std::int32
 
 /// Reads the text into `node`; the fault's place is one of the text as it was typed.
 KWExpressionFault read(ExprNode* node, const std::string& text, std::int32_t mode) {
-    const KWNormalisedText normalised(text, mode);
-    KWExpressionFault fault = KWParseExpression(node, normalised.bytes);
+    const std::optional<std::string> plain = KWPlainExpressionBytes(text, mode);
+    KWExpressionFault fault =
+        KWParseExpression(node, plain ? *plain : KWNormalisedText(text, mode).bytes);
     if (isFault(fault))
-        fault.position = normalised.origins.at(fault.position);
+        fault.position = KWNormalisedText(text, mode).origins.at(fault.position);
     return fault;
 }
 
@@ -92,7 +95,12 @@ void KWAlgebricInterpreter::takeExpressionOf(const KWAlgebricInterpreter& other)
     KWOwnedTree tree(CopyNode(other.tree()));
     KWExpressionProgram program(tree.get());
     _mode = other._mode;
-    _algebricString = other._algebricString;
+    _algebricString.reset();
+    _isPrinted = false;
+    if (!tree || other._isPrinted) {
+        _algebricString = other.expression();
+        _isPrinted = true;
+    }
     _sourceText = other._sourceText;
     _fault = other._fault;
     _tree = std::move(tree);
@@ -102,18 +110,30 @@ void KWAlgebricInterpreter::takeExpressionOf(const KWAlgebricInterpreter& other)
 void KWAlgebricInterpreter::clear(std::int32_t mode) {
     _mode = mode;
     _algebricString.reset();
+    _isPrinted = true;
     _sourceText.reset();
     _program = {};
     _tree.reset();
 }
 
 void KWAlgebricInterpreter::take(KWOwnedTree tree, std::string source) {
-    std::string printed;
-    WriteTree(tree.get(), printed);
-    _algebricString = _mode == KWExpressionModeT ? tStringFromXString(printed) : std::move(printed);
-    _sourceText = std::move(source);
     _program = KWExpressionProgram(tree.get());
+    _sourceText = std::move(source);
     _tree = std::move(tree);
+    _isPrinted = false;
+}
+
+// Several threads may be the first to ask.
+void KWAlgebricInterpreter::print() const {
+    const std::lock_guard lock(_printing);
+    if (_isPrinted.load(std::memory_order_relaxed))
+        return;
+    std::string printed;
+    WriteTree(_tree.get(), printed);
+    if (_mode == KWExpressionModeT)
+        std::replace(printed.begin(), printed.end(), 'x', 't');
+    _algebricString = std::move(printed);
+    _isPrinted.store(true, std::memory_order_release);
 }
 
 std::uint64_t KWAlgebricInterpreter::memoryForText(const std::string& text) {
@@ -137,10 +157,10 @@ void KWAlgebricInterpreter::evalTExpressions(std::span<const float> times,
 void KWAlgebricInterpreter::encodeWithCoder(KWCoder& coder) const {
     KWObject::encodeWithCoder(coder);
     if (coder.allowsKeyedCoding()) {
-        coder.encodeObjectForKey(_algebricString, "algebricString");
+        coder.encodeObjectForKey(expression(), "algebricString");
         coder.encodeInt32ForKey(_mode, "mode");
     } else {
-        coder.encodeObject(_algebricString);
+        coder.encodeObject(expression());
         coder.encodeValueOfObjCTypeAt("i", &_mode);
     }
 }
@@ -149,6 +169,7 @@ bool KWAlgebricInterpreter::initWithCoder(KWCoder& coder) {
     if (!KWObject::initWithCoder(coder))
         return false;
     _algebricString.reset();
+    _isPrinted = true;
     if (coder.allowsKeyedCoding()) {
         // The reader of the text has always looked under the mode's key, and found none there.
         coder.decodeObjectForKey("mode");

@@ -6,7 +6,9 @@
 #include <KWFoundation/KWExport.h>
 #include <KWFoundation/KWObject.h>
 
+#include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -61,7 +63,11 @@ class KW_EXPORT KWAlgebricInterpreter : public KWObject {
     const KWExpressionFault& fault() const { return _fault; }
 
     /// The printed expression; "" for a new interpreter, nil after a refused text.
-    const std::optional<std::string>& expression() const { return _algebricString; }
+    const std::optional<std::string>& expression() const {
+        if (!_isPrinted.load(std::memory_order_acquire)) [[unlikely]]
+            print();
+        return _algebricString;
+    }
     /// What was typed, for as long as it is the expression; nil when there is none. After an
     /// archive that is the text which the archive had: the printed one.
     const std::optional<std::string>& sourceText() const { return _sourceText; }
@@ -93,9 +99,13 @@ class KW_EXPORT KWAlgebricInterpreter : public KWObject {
   private:
     void clear(std::int32_t mode);
     void take(KWOwnedTree tree, std::string source);
+    void print() const;
 
     std::int32_t _mode = KWExpressionModeXY;
-    std::optional<std::string> _algebricString = std::string();
+    // Of a tree that was set, the text is printed when it is first asked for.
+    mutable std::optional<std::string> _algebricString = std::string();
+    mutable std::atomic<bool> _isPrinted = true;
+    mutable std::mutex _printing;
     std::optional<std::string> _sourceText;
     KWOwnedTree _tree;
     KWExpressionProgram _program;

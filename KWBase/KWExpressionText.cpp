@@ -220,6 +220,23 @@ KWNormalisedText::KWNormalisedText(std::string_view text, std::int32_t mode) {
     origins = std::move(marked.origins);
 }
 
+std::optional<std::string> KWPlainExpressionBytes(std::string_view text, std::int32_t mode) {
+    std::string bytes(text.size(), '\0');
+    std::size_t written = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c < ' ' || c > '~' || (c >= 'A' && c <= 'Z'))
+            return std::nullopt;
+        if (c == ' ')
+            continue;
+        const bool isVariable = c == 't' && mode == 1 && !text.substr(i).starts_with("t(") &&
+                                !text.substr(i).starts_with("tan");
+        bytes[written++] = isVariable ? 'x' : c;
+    }
+    bytes.resize(written);
+    return bytes;
+}
+
 std::int16_t KWExpressionFault::code() const {
     switch (kind) {
     case Kind::parentheses:

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -80,3 +81,8 @@ struct KW_EXPORT KWNormalisedText {
     /// of its character.
     std::vector<std::uint32_t> origins;
 };
+
+/// The bytes of a KWNormalisedText, found in one go, of a text in which each byte is a space or one
+/// of ASCII that can be seen, and no capital letter; nil for any other.
+KW_EXPORT std::optional<std::string> KWPlainExpressionBytes(std::string_view text,
+                                                            std::int32_t mode);

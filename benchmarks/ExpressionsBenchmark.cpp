@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -59,7 +60,7 @@ void compiledCall(benchmark::State& state) {
 // --- Setting an expression: from the text to the first value.
 
 void setting(benchmark::State& state) {
-    const std::string text = formulaOf(state).ours;
+    const std::optional<std::string> text = formulaOf(state).ours;
     KWAlgebricInterpreter interpreter;
     for (auto _ : state) {
         interpreter.setExpressionMode(text, KWExpressionModeT);

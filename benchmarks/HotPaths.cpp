@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -84,9 +85,10 @@ std::function<void()> expressionValues(int formula, bool isBatch) {
 
 std::function<void()> expressionTexts() {
     auto interpreter = std::make_shared<KWAlgebricInterpreter>();
+    const std::optional<std::string> text = KWSampleFormulaOf(2).ours;
     return [=] {
         for (int k = 0; k < 100; ++k)
-            interpreter->setExpressionMode(KWSampleFormulaOf(2).ours, KWExpressionModeT);
+            interpreter->setExpressionMode(text, KWExpressionModeT);
     };
 }
 

@@ -12,6 +12,9 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -338,4 +341,33 @@ TEST(KWAlgebricInterpreter, PrintsAndReadsNumbersTheSameInEveryLocale) {
     std::setlocale(LC_ALL, "C");
     EXPECT_EQ(interpreter->expression(), "2.5*t");
     EXPECT_EQ(interpreter->evalTExpression(2), 5);
+}
+
+TEST(KWAlgebricInterpreter, ManyThreadsMayBeTheFirstToAskForTheExpression) {
+    for (int round = 0; round < 200; ++round) {
+        KWAlgebricInterpreter interpreter;
+        ASSERT_TRUE(interpreter.setExpressionMode("sin(t)*exp(-t/3)+2*t^2", KWExpressionModeT));
+        std::vector<std::string> seen(4);
+        std::vector<std::thread> threads;
+        for (std::string& text : seen)
+            threads.emplace_back([&] { text = interpreter.expression().value_or("none"); });
+        for (std::thread& thread : threads)
+            thread.join();
+        for (const std::string& text : seen)
+            ASSERT_EQ(text, "sin(t)*etp(-t/3)+2*t^2");
+    }
+}
+
+TEST(KWAlgebricInterpreter, ACopyOfWhatWasNeverAskedForHasTheSameExpression) {
+    KWAlgebricInterpreter first;
+    ASSERT_TRUE(first.setExpressionMode("2 * T + 1", KWExpressionModeT));
+    KWAlgebricInterpreter second;
+    second.takeExpressionOf(first);
+    EXPECT_EQ(second.expression(), "2*t+1");
+    EXPECT_EQ(first.expression(), "2*t+1");
+    KWAlgebricInterpreter third;
+    third.takeExpressionOf(second);
+    EXPECT_EQ(third.expression(), "2*t+1");
+    EXPECT_FALSE(first.setExpressionMode("2*", KWExpressionModeT));
+    EXPECT_EQ(first.expression(), std::nullopt);
 }

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <random>
+#include <string>
+#include <string_view>
 
 namespace {
 
@@ -167,4 +170,27 @@ TEST(KWExpressionText, ALongTextIsCleanedInOneGo) {
     for (int i = 0; i < 1'000'000; ++i)
         typed += " T +\n";
     EXPECT_EQ(cleanedXStringFromTString(typed).size(), 3'000'000u);
+}
+
+TEST(KWExpressionText, PlainTextIsMadeReadyInOneGoWithTheSameBytes) {
+    std::mt19937 random(3);
+    constexpr std::string_view pieces[] = {"t",  "t(",  "tan", "ta", "sqrt(", " ", "  ", "x",
+                                           "at", "2.5", "+",   ")",  "~",     "?", "tt", "t a"};
+    for (int round = 0; round < 20000; ++round) {
+        std::string text;
+        for (auto k = random() % 12; k > 0; --k)
+            text += pieces[random() % std::size(pieces)];
+        for (const std::int32_t mode : {0, 1}) {
+            const auto plain = KWPlainExpressionBytes(text, mode);
+            ASSERT_TRUE(plain) << text;
+            ASSERT_EQ(*plain, KWNormalisedText(text, mode).bytes) << text;
+        }
+    }
+}
+
+TEST(KWExpressionText, OtherTextIsNotPlain) {
+    for (const std::string_view text : {"T", "\t2", "2\n", "\u03C0", "a\x7f", "\xff"})
+        EXPECT_FALSE(KWPlainExpressionBytes(text, 1)) << text;
+    EXPECT_FALSE(KWPlainExpressionBytes(std::string_view("1\0", 2), 1));
+    EXPECT_EQ(KWPlainExpressionBytes("", 1), "");
 }

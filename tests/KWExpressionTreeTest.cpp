@@ -6,7 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <thread>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -334,4 +337,32 @@ TEST(KWExpressionTree, TheLongestTextIsEvaluatedCopiedAndFreed) {
     expectComputes(tree, 16384, 1);
     const KWOwnedTree copy(CopyNode(tree.get()));
     expectComputes(copy, 32767, 2);
+}
+
+TEST(KWExpressionTree, ANodeThatIsMadeAnewIsEmptyWhateverWasFreedBefore) {
+    for (int round = 0; round < 3; ++round) {
+        std::vector<KWOwnedTree> nodes;
+        for (int k = 0; k < 200; ++k) {
+            ExprNode* const node = NewNode();
+            ASSERT_EQ(node->code, KWExpressionConstant);
+            ASSERT_EQ(node->value, 0);
+            ASSERT_EQ(node->left, nullptr);
+            ASSERT_EQ(node->right, nullptr);
+            nodes.emplace_back(node);
+            node->code = KWExpressionAdd;
+            node->value = 3;
+            node->left = NewNode();
+            node->right = NewNode();
+        }
+    }
+}
+
+TEST(KWExpressionTree, ATreeMayBeFreedByAnotherThreadAndAfterIt) {
+    KWOwnedTree tree(NewNode());
+    std::thread([&] {
+        tree->left = NewNode();
+        KWOwnedTree other(NewNode());
+        std::swap(tree, other);
+    }).join();
+    std::thread([owned = std::move(tree)] {}).join();
 }
