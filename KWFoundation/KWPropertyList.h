@@ -8,10 +8,13 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 /// A property list, in memory, in one flat table: node by node, with containers that name their
@@ -150,14 +153,34 @@ class KW_EXPORT KWPropertyList {
     friend class KWBinaryPropertyListReader;
     friend class KWXMLPropertyListReader;
 
+    /// For lists that are made longer first and written then: leaves new elements as they are.
+    template <class T>
+    struct Unwritten : std::allocator<T> {
+        template <class U>
+        struct rebind {
+            using other = Unwritten<U>;
+        };
+        Unwritten() = default;
+        template <class U>
+        explicit Unwritten(const Unwritten<U>&) {}
+        template <class U>
+        void construct(U*) noexcept {
+            static_assert(std::is_trivially_copyable_v<U>);
+        }
+        template <class U, class... Arguments>
+        void construct(U* place, Arguments&&... arguments) {
+            std::construct_at(place, std::forward<Arguments>(arguments)...);
+        }
+    };
+
     Index append(const Node& node);
     Index appendScalar(const Node& node);
     Index appendContainer(Kind kind, std::span<const Index> first, std::span<const Index> second);
     std::int64_t store(std::span<const std::byte> bytes);
     void growStringTable();
 
-    std::vector<Node> _nodes;
-    std::vector<Index> _children;
+    std::vector<Node, Unwritten<Node>> _nodes;
+    std::vector<Index, Unwritten<Index>> _children;
     std::vector<std::byte> _store;
     /// Places of the nodes in the file, where they cannot be read off it.
     std::vector<std::uint64_t> _offsets;

@@ -45,16 +45,22 @@ class KWBinaryPropertyListReader {
         readTrailer();
         _list._offsetSize = static_cast<std::uint8_t>(_offsetSize);
         _list._tableOffset = _tableOffset;
-        _list._nodes.reserve(_objectCount);
+        _list._nodes.resize(_objectCount);
         // Room for as many references as the objects could hold; what is not used is never touched.
         _list._children.reserve((_tableOffset - headerSize) / _referenceSize);
         std::uint64_t bytesRead = 0;
         for (std::uint64_t object = 0; object < _objectCount; ++object) {
             _start = objectOffset(object);
             _place = _start + 1;
-            Node node;
-            readObject(node);
-            _list._nodes.push_back(node);
+            // Written where it stays: to copy a node just after its parts have been written would
+            // have the processor wait for each of them.
+            Node& node = _list._nodes[object];
+            if (!readShortScalar(node)) {
+                node = {};
+                readObject(node);
+                if (node.kind == Kind::dictionary)
+                    _dictionaries.push_back(static_cast<Index>(object));
+            }
             bytesRead += _place - _start;
             if (bytesRead > _tableOffset)
                 fail(_start, "objects overlap");
@@ -131,6 +137,31 @@ class KWBinaryPropertyListReader {
         if (count > std::numeric_limits<std::uint32_t>::max())
             fail(_start, "an object claims more bytes than the file holds");
         return count;
+    }
+
+    /// Reads what most objects of a keyed archive are, and what needs no more than its marker and
+    /// the eight bytes behind: UIDs, reals and integers of 8 bytes at most. False for all else,
+    /// whatever is wrong with it.
+    bool readShortScalar(Node& node) {
+        const auto marker = std::to_integer<unsigned>(*at(_start));
+        const unsigned low = marker & 15;
+        std::uint64_t size = 0;
+        Kind kind = Kind::uid;
+        if (marker >> 4 == 0x8 && low < 8) {
+            size = low + 1;
+        } else if (marker == 0x22 || marker == 0x23) {
+            kind = Kind::real;
+            size = std::uint64_t{1} << low;
+        } else if (marker >= 0x10 && marker <= 0x13) {
+            kind = Kind::integer;
+            size = std::uint64_t{1} << low;
+        }
+        if (size == 0 || size > _tableOffset - _place)
+            return false;
+        node = {
+            kind, marker == 0x22, 0, 0, {static_cast<std::int64_t>(bigEndian(at(_place), size))}};
+        _place += size;
+        return true;
     }
 
     void readObject(Node& node) {
@@ -234,26 +265,43 @@ class KWBinaryPropertyListReader {
         require(count, _referenceSize * perEntry);
         node.count = static_cast<std::uint32_t>(count);
         node.integer = static_cast<std::int64_t>(_list._children.size());
-        const std::byte* place = at(_place);
-        for (std::uint64_t k = 0; k < count * perEntry; ++k, place += _referenceSize) {
-            const std::uint64_t child = bigEndian(place, _referenceSize);
-            if (child >= _objectCount) [[unlikely]]
-                fail(static_cast<std::uint64_t>(place - _source.data()),
-                     "a reference to object " + std::to_string(child) + " of " +
-                         std::to_string(_objectCount));
-            _list._children.push_back(static_cast<Index>(child));
-        }
+        readReferences(count * perEntry);
         _place += count * perEntry * _referenceSize;
     }
 
+    void readReferences(std::uint64_t count) {
+        const std::size_t known = _list._children.size();
+        _list._children.resize(known + count);
+        Index* const children = _list._children.data() + known;
+        const std::byte* place = at(_place);
+        const std::uint64_t size = _referenceSize;
+        bool isRight = true;
+        for (std::uint64_t k = 0; k < count; ++k, place += size) {
+            const std::uint64_t child = bigEndian(place, size);
+            isRight &= child < _objectCount;
+            children[k] = static_cast<Index>(child);
+        }
+        if (!isRight) [[unlikely]]
+            failAtReference(count);
+    }
+
+    [[noreturn, gnu::cold]] void failAtReference(std::uint64_t count) const {
+        std::uint64_t place = _place;
+        std::uint64_t child = 0;
+        for (std::uint64_t k = 0; k < count; ++k, place += _referenceSize) {
+            child = bigEndian(at(place), _referenceSize);
+            if (child >= _objectCount)
+                break;
+        }
+        fail(place, "a reference to object " + std::to_string(child) + " of " +
+                        std::to_string(_objectCount));
+    }
+
     void checkDictionaryKeys() const {
-        for (Index node = 0; node < _list._nodes.size(); ++node) {
-            if (_list._nodes[node].kind != Kind::dictionary)
-                continue;
+        for (const Index node : _dictionaries)
             for (const Index key : _list.children(node).first(_list.count(node)))
                 if (_list.kind(key) != Kind::string)
                     fail(_list.offset(node), "a dictionary key is not a string");
-        }
     }
 
     KWPropertyList& _list;
@@ -266,6 +314,8 @@ class KWBinaryPropertyListReader {
     /// The object being read, and how far.
     std::uint64_t _start = 0;
     std::uint64_t _place = 0;
+    /// In order; their keys are looked at when all objects are known.
+    std::vector<Index> _dictionaries;
 };
 
 void KWReadBinaryPropertyList(KWPropertyList& list) {
