@@ -71,6 +71,20 @@ KWChannelOwner* KWChannel::owner() const {
 void KWChannel::setOwner(KWChannelOwner* owner) {
     _owner = owner ? owner->link() : std::weak_ptr<const KWChannelOwner::Link>();
     _archivedOwner.reset();
+    _isOwnerForEditing = false;
+}
+
+void KWChannel::setOwnerForEditing(KWChannelOwner* owner) {
+    const auto archived = ownerForArchive();
+    setOwner(owner);
+    _archivedOwner = archived;
+    _isOwnerForEditing = true;
+}
+
+void KWChannel::setOwnerOf(const KWChannel& other) {
+    _owner = other._owner;
+    _archivedOwner = other._archivedOwner;
+    _isOwnerForEditing = other._isOwnerForEditing;
 }
 
 KWUndoManager* KWChannel::undoManager() const {
@@ -241,7 +255,7 @@ void KWChannel::decodeInOrder(KWCoder& coder) {
 
 std::shared_ptr<KWObject> KWChannel::ownerForArchive() const {
     KWChannelOwner* const user = owner();
-    if (!user)
+    if (!user || _isOwnerForEditing)
         return _archivedOwner.lock();
     auto* const object = dynamic_cast<KWObject*>(user);
     return object ? object->weak_from_this().lock() : nullptr;

@@ -72,6 +72,11 @@ class KW_EXPORT KWChannel : public KWObject {
     /// Who uses the channel, null for none or when it is gone. Not kept alive, not told.
     KWChannelOwner* owner() const;
     void setOwner(KWChannelOwner* owner);
+    /// An owner for as long as a program edits a channel whose own owner it cannot ask: edits take
+    /// part in its undo and are told to it, while archives name the owner that the channel had.
+    void setOwnerForEditing(KWChannelOwner* owner);
+    /// Becomes what `other` has, also what an archive alone knows of it.
+    void setOwnerOf(const KWChannel& other);
 
     /// The owner's undo manager, or null.
     KWUndoManager* undoManager() const;
@@ -163,6 +168,7 @@ class KW_EXPORT KWChannel : public KWObject {
     /// An owner from an archive that is not a KWChannelOwner here, such as an object of an unknown
     /// class: no use but to be written back.
     std::weak_ptr<KWObject> _archivedOwner;
+    bool _isOwnerForEditing = false;
     std::int32_t _colorIndex = 0;
     bool _valid = false;
     bool _manipulating = false;

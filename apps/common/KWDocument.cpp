@@ -276,7 +276,6 @@ bool KWDocument::replaceChannel(const Place& place, const std::shared_ptr<KWChan
     if (auto ours = std::dynamic_pointer_cast<KWElement>(element.object))
         if (ours->replaceChannelWith(place.channel, channel))
             return true;
-    KWChannelOwner* const owner = place.channel->owner();
     if (!(place.group       ? place.group->replaceChannelWith(place.channel, channel)
           : element.channel ? replaceRoot(place.channel, channel)
                             : !!element.channelArray &&
@@ -285,7 +284,7 @@ bool KWDocument::replaceChannel(const Place& place, const std::shared_ptr<KWChan
     channel->setName(place.channel->name());
     channel->setChannelColorIndex(place.channel->channelColorIndex());
     channel->setUnitType(place.channel->unitType());
-    channel->setOwner(owner);
+    channel->setOwnerOf(*place.channel);
     place.channel->setOwner(nullptr);
     return true;
 }

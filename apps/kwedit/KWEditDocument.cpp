@@ -65,11 +65,38 @@ void KWEditDocument::take(std::unique_ptr<KWDocument> model) {
     forgetAutosave();
     _hasAutosaveFailed = false;
     _undoTarget = std::make_shared<KWObject>();
+    _foreign.clear(); // before the document that they edit
     _model = std::move(model);
+    standInForOthers();
     _managerChanges = KWNotificationCenter::defaultCenter().addObserver(
         KWUndoManagerDidChangeNotification, undoManager().get(),
         [this](const KWNotification&) { managerDidChange(); });
     markSaved();
+}
+
+void KWEditDocument::standInForOthers() {
+    const auto& elements = _model->elements();
+    for (std::size_t index = 0; index < elements.size(); ++index) {
+        const bool isOurs = std::dynamic_pointer_cast<KWElement>(elements[index].object) != nullptr;
+        if (!isOurs)
+            _foreign.push_back(std::make_shared<KWForeignElement>(*_model, index));
+    }
+}
+
+std::vector<std::shared_ptr<KWChannelElement>> KWEditDocument::channelElements() const {
+    std::vector<std::shared_ptr<KWChannelElement>> shown;
+    for (const auto& element : _model->elements()) {
+        if (auto ours = std::dynamic_pointer_cast<KWElement>(element.object)) {
+            shown.push_back(std::move(ours));
+            continue;
+        }
+        const auto found =
+            std::find_if(_foreign.begin(), _foreign.end(),
+                         [&element](const auto& foreign) { return foreign->standsFor(element); });
+        if (found != _foreign.end())
+            shown.push_back(*found);
+    }
+    return shown;
 }
 
 void KWEditDocument::setFile(const QString& path, Form form, bool isReadOnly) {
@@ -221,8 +248,7 @@ void KWEditDocument::managerDidChange() {
 }
 
 bool KWEditDocument::isOfThisDocument(const KWChannel& channel) const {
-    const auto* const owner = dynamic_cast<const KWElement*>(channel.owner());
-    return owner && channel.undoManager() == undoManager().get();
+    return channel.undoManager() == undoManager().get();
 }
 
 /// Keyframed channels register the inverse of each edit, or have it bracketed by someone who does;

@@ -4,6 +4,7 @@
 
 #include <apps/common/KWDocument.h>
 #include <apps/kwedit/KWEditAutosave.h>
+#include <apps/kwedit/KWForeignElement.h>
 #include <apps/kwedit/KWSprite.h>
 
 #include <QDateTime>
@@ -72,6 +73,9 @@ class KWEditDocument : public QObject {
     std::shared_ptr<const KWDocument> snapshot() const;
     /// The element that is the stage; null for none.
     std::shared_ptr<KWElement> stageElement() const;
+    /// The elements that have channels to edit, in the document's order: its own and, for what
+    /// other programs keep channels in, a stand-in, by which those are edited with undo as well.
+    std::vector<std::shared_ptr<KWChannelElement>> channelElements() const;
     KWStage stage() const { return KWStage::of(stageElement().get()); }
 
     // --- Undo.
@@ -168,8 +172,10 @@ class KWEditDocument : public QObject {
     void markSaved();
     void forgetAutosave();
     bool isOfThisDocument(const KWChannel& channel) const;
+    void standInForOthers();
 
     std::unique_ptr<KWDocument> _model;
+    std::vector<std::shared_ptr<KWForeignElement>> _foreign; ///< by the index of their element
     std::shared_ptr<KWObject> _undoTarget; ///< lives as long as the document that is open
     KWNotificationToken _managerChanges;
     KWNotificationToken _channelChanges;

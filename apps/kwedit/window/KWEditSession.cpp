@@ -49,9 +49,8 @@ void KWEditSession::structureChanged() {
 void KWEditSession::listElements() {
     KWArrayController::Objects objects;
     _channels.clear();
-    for (const auto& element : _document.model().elements())
-        if (auto shown = std::dynamic_pointer_cast<KWChannelElement>(element.object))
-            objects.push_back(std::move(shown));
+    for (auto& element : _document.channelElements())
+        objects.push_back(std::move(element));
     for (const auto& place : _document.model().channels())
         _channels.push_back(place.channel);
     if (objects != _elements.arrangedObjects())
