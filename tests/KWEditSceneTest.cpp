@@ -191,9 +191,8 @@ TEST(KWEditScene, ElementsWithoutContentShowNothing) {
     EXPECT_EQ(KWEditScene(document, {}).spriteCount(), 0U);
 }
 
-TEST(KWEditScene, RandomTimesAreAsAPlainPainterPaintsThem) {
+void expectAsPainted(const std::vector<std::string>& only, int tolerance) {
     RandomScene scene(3);
-    const std::vector<std::string> only{"shape:rectangle", "shape:ellipse", "shape:triangle"};
     KWDocument shown;
     shown.addElement(stageElement());
     for (const auto& each : scene.document.elements())
@@ -201,14 +200,22 @@ TEST(KWEditScene, RandomTimesAreAsAPlainPainterPaintsThem) {
             if (std::find(only.begin(), only.end(), element->attribute("content")) != only.end())
                 shown.addElement(element);
     KWEditScene drawn(shown, scene.folder.path());
-    ASSERT_GT(drawn.spriteCount(), 2U);
+    ASSERT_GT(drawn.spriteCount(), 1U);
     std::uniform_real_distribution<float> times(-1, 11);
     for (int k = 0; k < 60; ++k) {
         const float time = times(scene.random);
-        // Both reckon in double with roundings of their own; an edge moves by less than 1 of 255.
-        ASSERT_LE(farthestApart(drawn.frame(KWTime(time)), modelFrame(scene, time, only)), 2)
+        ASSERT_LE(farthestApart(drawn.frame(KWTime(time)), modelFrame(scene, time, only)),
+                  tolerance)
             << time;
     }
+}
+
+TEST(KWEditScene, RandomTimesAreAsAPlainPainterPaintsThem) {
+    // Both reckon in double with roundings of their own; an edge moves by less than 1 of 255.
+    expectAsPainted({"shape:rectangle", "shape:triangle"}, 2);
+    // The scene's lines are within 0.004 pixels of the circle, the painter's within a 60th: what an
+    // edge moves by, in 255 parts, where it lies along a pixel.
+    expectAsPainted({"shape:ellipse"}, 5);
 }
 
 TEST(KWEditScene, NeitherFramesBeforeNorThreadsChangeABit) {
@@ -321,4 +328,27 @@ TEST(KWEditScene, TheBouncingBallTouchesTheFloorWhereItsKeysSay) {
     EXPECT_NEAR(ground - scene.outline(0).boundingRect().center().y(), 0.11 * 0.72 * toPixels.m11(),
                 0.5);
     EXPECT_GT(lowest, 0);
+}
+
+TEST(KWEditScene, APartOfALargerFrameIsThatPartOfIt) {
+    const RandomScene scene(5);
+    KWEditScene whole(scene.document, scene.folder.path());
+    KWEditScene part(scene.document, scene.folder.path());
+    QImage all(160, 90, QImage::Format_ARGB32_Premultiplied);
+    part.render(KWTime(3), all, QRectF(0, 0, 160, 90));
+    const QImage expected = whole.frame(KWTime(3));
+    EXPECT_EQ(all, expected);
+    EXPECT_EQ(part.spriteAt({80, 45}), whole.spriteAt({80, 45}));
+    // 50 x 30 pixels of it, and some of what is around.
+    QImage piece(70, 30, QImage::Format_ARGB32_Premultiplied);
+    part.render(KWTime(3), piece, QRectF(-110, -40, 160, 90));
+    // Pictures are sampled at 256 places between two pixels, counted from where the painter begins.
+    EXPECT_LE(farthestApart(piece.copy(0, 0, 50, 30), expected.copy(110, 40, 50, 30)), 5);
+    for (int y = 0; y < 30; ++y)
+        for (int x = 50; x < 70; ++x)
+            ASSERT_EQ(piece.pixel(x, y), 0U);
+    part.render(KWTime(3), piece, QRectF());
+    for (int y = 0; y < 30; ++y)
+        for (int x = 0; x < 70; ++x)
+            ASSERT_EQ(piece.pixel(x, y), 0U);
 }

@@ -198,9 +198,10 @@ bool KWEditScene::isVisible(const QTransform& transform) const {
 }
 
 void KWEditScene::add(const QTransform& transform, Item item) {
-    // A picture reaches a little beyond its content.
-    const QRectF reach = transform.mapRect(QRectF(-0.25, -0.25, 1.5, 1.5));
-    if (item.opacity <= 0 || !reach.intersects(_seen))
+    // A picture may reach a little beyond its content, and smooth edges by a pixel.
+    const QRectF area = item.what == Item::What::picture ? item.picture.area : QRectF(0, 0, 1, 1);
+    item.reach = transform.mapRect(area).adjusted(-2, -2, 2, 2);
+    if (item.opacity <= 0 || !item.reach.intersects(_seen))
         return;
     item.transform = transform;
     _items.push_back(std::move(item));
@@ -343,7 +344,7 @@ void KWEditScene::draw(QImage& image, int top, int bottom) const {
     drawBackdrop(painter);
     const QRectF reached = QRectF(rows);
     for (const Item& item : _items) {
-        if (!item.transform.mapRect(QRectF(-0.25, -0.25, 1.5, 1.5)).intersects(reached))
+        if (!item.reach.intersects(reached))
             continue;
         painter.setOpacity(item.opacity);
         painter.setCompositionMode(item.blend);

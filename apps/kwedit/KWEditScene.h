@@ -80,6 +80,7 @@ class KWEditScene {
         enum class What { picture, shape, placeholder };
         What what;
         QTransform transform; ///< from the unit square of the content
+        QRectF reach;         ///< what it may draw on, in pixels
         KWSpritePictures::Picture picture;
         QString shape;
         QColor color;

@@ -2,6 +2,7 @@
 
 #include <QPainterPath>
 #include <QRadialGradient>
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -14,7 +15,7 @@ QPainterPath polygon(std::initializer_list<QPointF> points) {
     return path;
 }
 
-QPainterPath star() {
+QPolygonF star() {
     constexpr int points = 5;
     constexpr double inner = 0.19098300562505255; // where the lines between far points cross
     QPolygonF corners;
@@ -23,10 +24,15 @@ QPainterPath star() {
         const double radius = k % 2 == 0 ? 0.5 : inner;
         corners << QPointF(0.5 + radius * std::cos(angle), 0.5 + radius * std::sin(angle));
     }
+    return corners;
+}
+
+/// A path of its own each time: one keeps what it was painted as, and several threads paint.
+void fillPolygon(QPainter& painter, const QPolygonF& corners, const QColor& color) {
     QPainterPath path;
     path.addPolygon(corners);
     path.closeSubpath();
-    return path;
+    painter.fillPath(path, color);
 }
 
 QPainterPath disc(const QPointF& centre, double radius) {
@@ -85,21 +91,45 @@ void drawGlow(QPainter& painter, const QColor& color) {
     painter.fillRect(QRectF(0, 0, 1, 1), glow);
 }
 
-QPainterPath plainPath(const QString& shape) {
-    QPainterPath path;
+/// How many lines a quarter of a circle is drawn with, so that they are nowhere farther from it
+/// than a pixel that eyes can tell. Curves are slow: a painter splits them anew for each band.
+int linesOfQuarter(double pixels) {
+    constexpr double farthest = 0.004;
+    const double lines = std::numbers::pi / 4 / std::sqrt(2 * farthest / std::max(pixels, 1.0));
+    return std::clamp(static_cast<int>(std::ceil(lines)), 2, 256);
+}
+
+/// The larger half of what the unit square is wide and high in pixels.
+double radiusInPixels(const QPainter& painter) {
+    const QTransform transform = painter.deviceTransform();
+    return 0.5 * std::max(std::hypot(transform.m11(), transform.m12()),
+                          std::hypot(transform.m21(), transform.m22()));
+}
+
+/// The unit square with round corners; with the largest ones it is a disc.
+QPolygonF roundedSquare(double radius, int lines) {
+    QPolygonF corners;
+    const QPointF centres[] = {
+        {1 - radius, 1 - radius}, {radius, 1 - radius}, {radius, radius}, {1 - radius, radius}};
+    for (int quarter = 0; quarter < 4; ++quarter)
+        for (int k = 0; k <= lines; ++k) {
+            const double angle = std::numbers::pi / 2 * (quarter + k / static_cast<double>(lines));
+            corners << centres[quarter] + radius * QPointF(std::cos(angle), std::sin(angle));
+        }
+    return corners;
+}
+
+QPolygonF cornersOf(const QString& shape, double pixels) {
     if (shape == QLatin1String("rounded"))
-        path.addRoundedRect(QRectF(0, 0, 1, 1), 0.2, 0.2);
-    else if (shape == QLatin1String("ellipse"))
-        path.addEllipse(QRectF(0, 0, 1, 1));
-    else if (shape == QLatin1String("triangle"))
-        path = polygon({{0.5, 0}, {1, 1}, {0, 1}});
-    else if (shape == QLatin1String("diamond"))
-        path = polygon({{0.5, 0}, {1, 0.5}, {0.5, 1}, {0, 0.5}});
-    else if (shape == QLatin1String("star"))
-        path = star();
-    else
-        path.addRect(QRectF(0, 0, 1, 1));
-    return path;
+        return roundedSquare(0.2, linesOfQuarter(0.4 * pixels));
+    if (shape == QLatin1String("ellipse"))
+        return roundedSquare(0.5, linesOfQuarter(pixels));
+    if (shape == QLatin1String("triangle"))
+        return QPolygonF({{0.5, 0}, {1, 1}, {0, 1}});
+    if (shape == QLatin1String("diamond"))
+        return QPolygonF({{0.5, 0}, {1, 0.5}, {0.5, 1}, {0, 0.5}});
+    static const QPolygonF pointed = star();
+    return shape == QLatin1String("star") ? pointed : QPolygonF({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
 }
 
 } // namespace
@@ -115,7 +145,7 @@ void kwDrawShape(QPainter& painter, const QString& shape, const QColor& color,
     else if (shape == QLatin1String("glow"))
         drawGlow(painter, color);
     else
-        painter.fillPath(plainPath(shape), color);
+        fillPolygon(painter, cornersOf(shape, radiusInPixels(painter)), color);
 }
 
 bool kwDrawShapeLight(QPainter& painter, const QString& shape) {
