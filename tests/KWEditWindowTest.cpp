@@ -2,9 +2,13 @@
 
 #include <KWBase/KWAlgebricChannel.h>
 
+#include <apps/kwedit/window/KWShortcutsDialog.h>
+#include <apps/kwedit/window/KWTour.h>
+
+#include <QAccessible>
 #include <QListWidget>
 #include <QMenuBar>
-#include <QSignalSpy>
+#include <QTreeWidget>
 
 namespace {
 
@@ -360,4 +364,117 @@ TEST_F(KWEditWindowTest, AWindowOnADocumentIsDrawnWithoutAScreen) {
     EXPECT_EQ(QImage(picture).size(), QSize(1200, 800));
     EXPECT_FALSE(kwDrawWindow(folder.path("none.kwdoc"), picture, QSize(800, 600), &error));
     EXPECT_TRUE(error.contains(QStringLiteral("none.kwdoc")));
+}
+
+TEST_F(KWEditWindowTest, TheTourGoesOnAsEachStepIsDone) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    const QPointer<KWTour> tour = window->startTour();
+    settle();
+    EXPECT_TRUE(tour->isVisible());
+    EXPECT_TRUE(window->rect().contains(tour->geometry()));
+    EXPECT_EQ(tour->step(), 0);
+    tour->next();
+    window->session().transport().play();
+    settle();
+    EXPECT_EQ(tour->step(), 2);
+    window->session().transport().pause();
+    const auto y = std::dynamic_pointer_cast<KWKeyFramedChannel>(channel("Ball/Position/y"));
+    select(y);
+    EXPECT_EQ(tour->step(), 3);
+    const QPoint key = at(y->keyframeAtIndex(1)->time(), y->valueForTime(y->keyframeAtIndex(1)));
+    drag(view(), key, key - QPoint(0, 20));
+    EXPECT_EQ(tour->step(), 4);
+    press("Ctrl+Z");
+    EXPECT_EQ(tour->step(), 5);
+    EXPECT_EQ(tour->step() + 1, tour->stepCount());
+    tour->next();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(tour.isNull());
+}
+
+TEST_F(KWEditWindowTest, TheTourGoesBackAndEndsWithEscape) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    const QPointer<KWTour> tour = window->startTour();
+    tour->next();
+    tour->back();
+    EXPECT_EQ(tour->step(), 0);
+    tour->back();
+    EXPECT_EQ(tour->step(), 0);
+    QTest::keyClick(tour, Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(tour.isNull());
+}
+
+TEST_F(KWEditWindowTest, TheListOfCommandsIsSearched) {
+    open();
+    KWShortcutsDialog dialog;
+    auto* const list = dialog.findChild<QTreeWidget*>();
+    const auto shown = [list] {
+        int count = 0;
+        for (QTreeWidgetItemIterator item(list, QTreeWidgetItemIterator::NotHidden); *item; ++item)
+            count += (*item)->childCount() == 0;
+        return count;
+    };
+    EXPECT_EQ(shown(), static_cast<int>(KWEditCommands::table().size()));
+    dialog.findChild<QLineEdit*>()->setText(QStringLiteral("ctrl+shift+z"));
+    EXPECT_EQ(shown(), 1);
+}
+
+TEST_F(KWEditWindowTest, RevertGoesBackToTheFile) {
+    const QString path = folder.path("ball.kwdoc");
+    writeContents(path, contentsOf(samplePath("bouncing-ball.kwdoc")));
+    open(path);
+    const auto before = bytes();
+    press("Ctrl+Alt+N");
+    questions.goesOn = {false};
+    window->commands().action("file.revert")->trigger();
+    EXPECT_NE(bytes(), before);
+    questions.goesOn = {true};
+    window->commands().action("file.revert")->trigger();
+    EXPECT_EQ(bytes(), before);
+    EXPECT_FALSE(window->isWindowModified());
+}
+
+TEST_F(KWEditWindowTest, AFileThatAnotherProgramHasChangedIsNotReplacedUnasked) {
+    const QString path = folder.path("ball.kwdoc");
+    writeContents(path, contentsOf(samplePath("bouncing-ball.kwdoc")));
+    open(path);
+    press("Ctrl+Alt+N");
+    writeContents(path, "somebody else was here");
+    questions.goesOn = {false};
+    press("Ctrl+S");
+    EXPECT_EQ(contentsOf(path), QByteArray("somebody else was here"));
+    EXPECT_TRUE(window->isWindowModified());
+    questions.goesOn = {true};
+    press("Ctrl+S");
+    EXPECT_FALSE(window->isWindowModified());
+}
+
+TEST_F(KWEditWindowTest, EveryPartHasANameForAssistiveTechnology) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    const auto widgets = window->findChildren<QWidget*>();
+    for (const QWidget* const widget : widgets) {
+        const bool isUsed = widget->focusPolicy() != Qt::NoFocus && widget->isVisible();
+        if (!isUsed || widget->objectName().startsWith(QLatin1String("qt_")))
+            continue;
+        QAccessibleInterface* const face =
+            QAccessible::queryAccessibleInterface(const_cast<QWidget*>(widget));
+        const bool isNamed = face && !face->text(QAccessible::Name).isEmpty();
+        EXPECT_TRUE(isNamed || widget->inherits("QScrollArea") || widget->inherits("QMenuBar"))
+            << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
+    }
+}
+
+TEST_F(KWEditWindowTest, ADocumentOfAnotherProgramShowsItsChannels) {
+    const QString path = QDir(QString::fromLocal8Bit(std::getenv("KWBASE_TEST_DATA")))
+                             .filePath(QStringLiteral("golden/lamp-little.archive"));
+    open(path);
+    EXPECT_EQ(window->session().elements().arrangedObjects().size(), 1U);
+    const auto glow = std::dynamic_pointer_cast<KWKeyFramedChannel>(channel("glow"));
+    EXPECT_EQ(window->curves().channel(), glow);
+    const QPoint key = at(glow->keyframeAtIndex(0)->time(), glow->valueForTime(KWTime(0)));
+    drag(view(), key, key - QPoint(0, 20));
+    EXPECT_TRUE(window->isWindowModified());
+    press("Ctrl+Z");
+    EXPECT_FALSE(window->isWindowModified());
 }

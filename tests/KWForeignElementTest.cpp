@@ -38,7 +38,9 @@ TEST(KWForeignElement, ChannelsOfAnotherProgramsObjectsAreShownAndEditedWithUndo
         EXPECT_EQ(shown.front()->channelArray()->channelEnumerator().size(), 3U);
 
         const auto before = bytesOf(document, document.form());
-        EXPECT_EQ(before, contentsOf(goldenPath(name)));
+        // As it is written when nobody stands in for anything.
+        const auto plain = KWDocument::open(goldenPath(name).toStdString());
+        EXPECT_EQ(document.model().data(document.form()), plain.data());
         const auto glow = std::dynamic_pointer_cast<KWKeyFramedChannel>(
             KWDocument::placeAt(document.model().channels(), "glow").channel);
         ASSERT_NE(glow, nullptr);
