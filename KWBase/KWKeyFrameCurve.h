@@ -134,7 +134,7 @@ inline KWKeyFrameCurve KWKeyFramedChannel::curve() const {
     return {_frames.keys.data(),
             _frames.values.data(),
             _tangents.data(),
-            keyframeCount(),
+            static_cast<std::uint32_t>(_frames.keys.size()),
             _mode,
             _repeat};
 }

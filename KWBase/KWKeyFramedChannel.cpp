@@ -1,4 +1,5 @@
 #include <KWBase/KWKeyFrameCurve.h>
+#include <KWBase/KWKeyFrameStage.h>
 
 #include <algorithm>
 #include <cfloat>
@@ -31,7 +32,7 @@ bool KWKeyFramedChannel::takeContentsOf(const KWChannel& other) {
     const auto* source = dynamic_cast<const KWKeyFramedChannel*>(&other);
     if (!source || !KWChannel::takeContentsOf(other))
         return false;
-    _frames = source->_frames;
+    lists() = source->lists();
     _tangents = source->_tangents;
     _saved = source->_saved;
     _mode = source->_mode;
@@ -55,7 +56,7 @@ KWData KWKeyFramedChannel::hermiteDataFrom(const HJHermiteParam* param) {
 // --- Finding keys
 
 std::size_t KWKeyFramedChannel::position(float key) const {
-    const std::vector<float>& keys = _frames.keys;
+    const std::vector<float>& keys = lists().keys;
     if (!_regular || std::isnan(key)) [[unlikely]] {
         const auto after = std::find_if(keys.begin(), keys.end(), [key](float k) {
             return KWTime(k).compare(KWTime(key)) > 0;
@@ -66,7 +67,7 @@ std::size_t KWKeyFramedChannel::position(float key) const {
 }
 
 std::uint32_t KWKeyFramedChannel::indexOf(float key) const {
-    const std::vector<float>& keys = _frames.keys;
+    const std::vector<float>& keys = lists().keys;
     if (!_regular) [[unlikely]] {
         const auto found = std::find(keys.begin(), keys.end(), key);
         return found == keys.end() ? KWNotFound : static_cast<std::uint32_t>(found - keys.begin());
@@ -84,7 +85,7 @@ bool KWKeyFramedChannel::isKeyframe(KWTime time) const {
 }
 
 std::uint32_t KWKeyFramedChannel::keyframeIndexPrecedingTime(KWTime time) const {
-    const std::vector<float>& keys = _frames.keys;
+    const std::vector<float>& keys = lists().keys;
     if (keys.empty())
         return KWNoKeyframes;
     const float t = time.time();
@@ -97,7 +98,7 @@ std::uint32_t KWKeyFramedChannel::keyframeIndexPrecedingTime(KWTime time) const 
 
 std::optional<std::array<KWTime, 2>>
 KWKeyFramedChannel::boundingKeyframesForTime(KWTime time) const {
-    const std::vector<float>& keys = _frames.keys;
+    const std::vector<float>& keys = lists().keys;
     if (keys.empty())
         return std::nullopt;
     const std::size_t after = position(time.time());
@@ -109,13 +110,13 @@ KWKeyFramedChannel::boundingKeyframesForTime(KWTime time) const {
 // --- Reading keys
 
 std::vector<KWTime> KWKeyFramedChannel::allKeyframes() const {
-    return {_frames.keys.begin(), _frames.keys.end()};
+    return {lists().keys.begin(), lists().keys.end()};
 }
 
 std::optional<KWTime> KWKeyFramedChannel::keyframeAtIndex(std::uint32_t index) const {
     if (index >= keyframeCount())
         return std::nullopt;
-    return KWTime(_frames.keys[index]);
+    return KWTime(lists().keys[index]);
 }
 
 std::optional<KWTime> KWKeyFramedChannel::firstKeyframe() const {
@@ -128,28 +129,28 @@ std::optional<KWTime> KWKeyFramedChannel::lastKeyframe() const {
 
 std::vector<KWTime> KWKeyFramedChannel::keyframesBetweenAnd(KWTime first, KWTime second) const {
     std::vector<KWTime> found;
-    for (const float key : _frames.keys)
+    for (const float key : lists().keys)
         if (first.time() <= key && key <= second.time())
             found.emplace_back(key);
     return found;
 }
 
 float KWKeyFramedChannel::valueForKeyframeAtIndex(std::uint32_t index) const {
-    return index < keyframeCount() ? _frames.values.at(index) : 0.0f;
+    return index < keyframeCount() ? lists().values.at(index) : 0.0f;
 }
 
 float KWKeyFramedChannel::valueForKeyframe(KWTime time) const {
     const std::uint32_t index = indexOf(time.time());
-    return index == KWNotFound ? 0.0f : _frames.values.at(index);
+    return index == KWNotFound ? 0.0f : lists().values.at(index);
 }
 
 std::optional<KWData> KWKeyFramedChannel::hermiteValueForKeyframe(KWTime time) const {
     const std::uint32_t index = indexOf(time.time());
     if (index == KWNotFound)
         return std::nullopt;
-    if (index >= _frames.records.size())
+    if (index >= lists().records.size())
         throw std::out_of_range("a key has no shape");
-    return _frames.records.data(index);
+    return lists().records.data(index);
 }
 
 std::vector<float> KWKeyFramedChannel::valuesForKeyframes(const std::vector<KWTime>& keys) const {
@@ -178,7 +179,7 @@ KWKeyFramedChannel::hermiteValuesForKeyframes(const std::vector<KWTime>& keys) c
 HJRect KWKeyFramedChannel::boundingRect() const {
     constexpr double negligible = 1e-6;
     HJRect rect{0, 0, 10, 0};
-    const std::vector<float>& keys = _frames.keys;
+    const std::vector<float>& keys = lists().keys;
     if (keys.size() > 1) {
         const float width = keys.back() - keys.front();
         if (!(std::fabs(double{width}) < negligible)) {
@@ -217,11 +218,11 @@ std::vector<KWTime> KWKeyFramedChannel::keyframesForBoundingRect(const HJRect& r
     const float right = rect.x + rect.width;
     const float top = rect.y + rect.height;
     std::vector<KWTime> found;
-    for (std::size_t i = 0; i < _frames.keys.size(); ++i) {
-        const float key = _frames.keys[i];
+    for (std::size_t i = 0; i < lists().keys.size(); ++i) {
+        const float key = lists().keys[i];
         if (!(rect.x <= key && key <= right))
             continue;
-        const float value = _regular ? _frames.values[i] : valueForKeyframe(key);
+        const float value = _regular ? lists().values[i] : valueForKeyframe(key);
         if (rect.y <= value && value <= top)
             found.emplace_back(key);
     }
@@ -230,7 +231,7 @@ std::vector<KWTime> KWKeyFramedChannel::keyframesForBoundingRect(const HJRect& r
 
 HJKeyMoveRange
 KWKeyFramedChannel::moveRangeForSelectedKeyframes(const std::vector<KWTime>& selected) const {
-    const std::vector<float>& keys = _frames.keys;
+    const std::vector<float>& keys = lists().keys;
     if (selected.empty() || keys.empty())
         return {};
     std::vector<float> chosen;

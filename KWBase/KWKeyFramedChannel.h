@@ -6,10 +6,13 @@
 #include <KWFoundation/KWTypes.h>
 
 #include <array>
+#include <memory>
+#include <optional>
 
 class KWChannelCursor;
 class KWFirstException;
 struct KWKeyFrameCurve;
+struct KWKeyFrameStage;
 
 /// How values run from key to key. Any other code gives 0.
 enum : std::int32_t {
@@ -159,11 +162,11 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     // --- Reading keys.
 
     std::vector<KWTime> allKeyframes() const;
-    std::uint32_t keyframeCount() const { return static_cast<std::uint32_t>(_frames.keys.size()); }
+    std::uint32_t keyframeCount() const { return static_cast<std::uint32_t>(lists().keys.size()); }
     /// As many as there are keys, but in an irregular channel.
-    std::uint32_t valueCount() const { return static_cast<std::uint32_t>(_frames.values.size()); }
+    std::uint32_t valueCount() const { return static_cast<std::uint32_t>(lists().values.size()); }
     std::uint32_t hermiteCount() const {
-        return static_cast<std::uint32_t>(_frames.records.size());
+        return static_cast<std::uint32_t>(lists().records.size());
     }
     /// Nil when the index is not below the count.
     std::optional<KWTime> keyframeAtIndex(std::uint32_t index) const;
@@ -207,10 +210,13 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     float valueForTime(std::optional<KWTime> time) const override;
     void valuesForTimes(std::span<const float> times, std::span<float> values) const override;
     /// Whether there is more than one key.
-    bool dependsOnTime() const override { return _frames.keys.size() > 1; }
+    bool dependsOnTime() const override { return lists().keys.size() > 1; }
 
     /// Whether keys, values and shapes are equally many, the keys in order, the shapes 36 bytes.
-    bool isRegular() const { return _regular; }
+    bool isRegular() const {
+        settle();
+        return _regular;
+    }
 
     /// Grows with every key that is made, replaced or removed, by one, and with everything else
     /// that changes keys: when two counts are equal, nobody has edited keys between them.
@@ -233,6 +239,28 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     friend class KWChannelCursor;
     using Record = KWKeyFrameRecords::Bytes;
 
+    // The lists of keys. Calls that edit many keys stage their edits and put them into the lists in
+    // one pass, at their end or as soon as anybody looks; only code that says so reads the lists
+    // without settling them first. While there is a stage the channel counts as irregular, so that
+    // reading, which looks at that first of all, need not ask.
+    const KWKeyFrames& lists() const {
+        settle();
+        return _frames;
+    }
+    KWKeyFrames& lists() {
+        settle();
+        return _frames;
+    }
+    void settle() const {
+        if (_stage) [[unlikely]]
+            const_cast<KWKeyFramedChannel*>(this)->putStage();
+    }
+    void putStage();
+    class Staging;
+    std::optional<std::size_t> stagedIndexOf(float key) const;
+    bool removeStaged(float key, KWFirstException& raised);
+    bool setStaged(float value, Record record, float key, KWFirstException& raised);
+
     // Editing. A position is how many keys lead the list that are not after the time.
     std::size_t position(float key) const;
     std::uint32_t indexOf(float key) const;
@@ -250,6 +278,7 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     void registerInverseOfSetting(float key, KWFirstException& raised);
     void registerSetting(KWUndoManager& undoManager, std::size_t index, KWFirstException& raised);
     void replay(const KWKeyFrames& start, const KWKeyFrames& end, KWFirstException& raised);
+    void put(float value, Record record, float key);
     void insertKey(std::size_t index, float value, Record record, float key);
     void replaceKey(std::size_t index, std::optional<float> value, Record record);
     void removeKey(std::size_t index);
@@ -291,6 +320,7 @@ class KW_EXPORT KWKeyFramedChannel : public KWChannel {
     /// Of the stretch from each key to the next; the last entry is not used. Empty when irregular.
     std::vector<KWKeyFrameTangents> _tangents;
     KWKeyFrames _frames;
+    std::unique_ptr<KWKeyFrameStage> _stage; ///< null unless a call is under way
     /// Grows with every edit of keys and every setting of a mode.
     std::uint64_t _revision = 0;
     std::uint64_t _editCount = 0;

@@ -53,8 +53,8 @@ std::vector<Shape> shapesFromEncodedRecords(const KWData& bytes) {
 
 void KWKeyFramedChannel::encodeWithCoder(KWCoder& coder) const {
     KWChannel::encodeWithCoder(coder);
-    if (_frames.keys.size() != _frames.records.size() ||
-        _frames.keys.size() != _frames.values.size())
+    if (lists().keys.size() != lists().records.size() ||
+        lists().keys.size() != lists().values.size())
         throw KWException("Key-value mismatch");
     if (coder.allowsKeyedCoding())
         encodeWithKeys(coder);
@@ -76,9 +76,9 @@ bool KWKeyFramedChannel::initWithCoder(KWCoder& coder) {
 }
 
 void KWKeyFramedChannel::encodeWithKeys(KWCoder& coder) const {
-    coder.encodeRealObjectsForKey(_frames.keys, KWValueClass<KWTime>::realClass(), "keys");
-    coder.encodeFloatsForKey(_frames.values, "values");
-    coder.encodeRecordsForKey(encodableRecords(_frames.records.shapes()), recordSize,
+    coder.encodeRealObjectsForKey(lists().keys, KWValueClass<KWTime>::realClass(), "keys");
+    coder.encodeFloatsForKey(lists().values, "values");
+    coder.encodeRecordsForKey(encodableRecords(lists().records.shapes()), recordSize,
                               "hermiteValues");
     coder.encodeInt32ForKey(_mode, "mode");
     coder.encodeInt32ForKey(_repeat, "repeat");
@@ -94,7 +94,7 @@ void KWKeyFramedChannel::initWithKeys(KWCoder& coder) {
     frames.records.assign(shapesFromEncodedRecords(records));
     const std::int32_t mode = coder.decodeInt32ForKey("mode");
     const std::int32_t repeat = coder.decodeInt32ForKey("repeat");
-    _frames = std::move(frames);
+    lists() = std::move(frames);
     _mode = mode;
     _repeat = repeat;
 }
@@ -102,19 +102,19 @@ void KWKeyFramedChannel::initWithKeys(KWCoder& coder) {
 // Version 1 brought the modes and the records, which are stored as they lie in memory.
 
 void KWKeyFramedChannel::encodeInOrder(KWCoder& coder) const {
-    coder.encodeRealObjects(_frames.keys, KWValueClass<KWTime>::realClass());
-    coder.encodeFloats(_frames.values);
+    coder.encodeRealObjects(lists().keys, KWValueClass<KWTime>::realClass());
+    coder.encodeFloats(lists().values);
     if (coder.versionForClassName(classObject().name()) < 1)
         return;
     coder.encodeValueOfObjCTypeAt("i", &_mode);
     coder.encodeValueOfObjCTypeAt("i", &_repeat);
-    KWData records(_frames.records.size() * recordSize);
-    for (std::size_t k = 0; k < _frames.records.size(); ++k) {
+    KWData records(lists().records.size() * recordSize);
+    for (std::size_t k = 0; k < lists().records.size(); ++k) {
         const std::span<std::byte, recordSize> place(records.data() + k * recordSize, recordSize);
-        if (_frames.records.isOdd(k))
-            std::memcpy(place.data(), &_frames.records.shape(k), sizeof(Shape));
+        if (lists().records.isOdd(k))
+            std::memcpy(place.data(), &lists().records.shape(k), sizeof(Shape));
         else
-            _frames.records.getBytes(k, place);
+            lists().records.getBytes(k, place);
     }
     coder.encodeRecords(records, recordSize);
 }
@@ -138,7 +138,7 @@ void KWKeyFramedChannel::initInOrder(KWCoder& coder) {
     records.resize(frames.keys.size() * recordSize);
     for (std::size_t k = 0; k < frames.keys.size(); ++k)
         frames.records.insert(k, std::span(records).subspan(k * recordSize, recordSize));
-    _frames = std::move(frames);
+    lists() = std::move(frames);
     _mode = mode;
     _repeat = repeat;
 }

@@ -1,4 +1,5 @@
 #include <KWBase/KWKeyFrameCurve.h>
+#include <KWBase/KWKeyFrameStage.h>
 #include <KWFoundation/KWException.h>
 #include <KWFoundation/KWFirstException.h>
 #include <KWFoundation/KWUndoManager.h>
@@ -116,16 +117,21 @@ void KWKeyFramedChannel::setFramesForKeyframes(const KWKeyFrames& frames) {
 
 void KWKeyFramedChannel::setFramesForKeyframes(const KWKeyFrames& frames,
                                                KWFirstException& raised) {
-    for (std::size_t i = 0; i < frames.keys.size(); ++i) {
-        const float value = frames.values.at(i);
-        if (i >= frames.records.size())
-            throw std::out_of_range("a key has no shape");
-        if (frames.records.isOdd(i)) {
-            setValueRecordForKeyframe(value, frames.records.data(i), frames.keys[i], raised);
-        } else {
+    {
+        Staging staging(*this, frames.keys.size());
+        for (std::size_t i = 0; i < frames.keys.size(); ++i) {
+            const float key = frames.keys[i];
+            const float value = frames.values.at(i);
+            if (i >= frames.records.size())
+                throw std::out_of_range("a key has no shape");
+            if (frames.records.isOdd(i)) {
+                setValueRecordForKeyframe(value, frames.records.data(i), key, raised);
+                continue;
+            }
             std::array<std::byte, KWKeyFrameRecords::recordSize> record;
             frames.records.getBytes(i, record);
-            setValueRecordForKeyframe(value, record, frames.keys[i], raised);
+            if (!staging.isPossible() || !setStaged(value, record, key, raised))
+                setValueRecordForKeyframe(value, record, key, raised);
         }
     }
     raised.during([this] { invalidate(); });
@@ -146,9 +152,13 @@ void KWKeyFramedChannel::setValueRecordForKeyframe(float value, Record record, f
         return;
     raised.during([&] { KWChannel::setValueForTime(value, KWTime(key)); });
     registerInverseOfSetting(key, raised);
+    put(value, record, key);
+}
+
+void KWKeyFramedChannel::put(float value, Record record, float key) {
     const std::size_t after = position(key);
     if (_regular) [[likely]] {
-        if (after != 0 && _frames.keys[after - 1] == key)
+        if (after != 0 && lists().keys[after - 1] == key)
             replaceKey(after - 1, value, record);
         else
             insertKey(after, value, record, key);
@@ -170,9 +180,9 @@ void KWKeyFramedChannel::checkSettable(float key) const {
         return;
     const std::uint32_t index = indexOf(key);
     const std::size_t needed = index == KWNotFound ? position(key) : std::size_t{index} + 1;
-    if (index == KWNotFound && needed == _frames.keys.size())
+    if (index == KWNotFound && needed == lists().keys.size())
         return;
-    if (_frames.values.size() < needed || _frames.records.size() < needed)
+    if (lists().values.size() < needed || lists().records.size() < needed)
         throw std::out_of_range("a key has no value or no shape");
 }
 
@@ -189,7 +199,8 @@ void KWKeyFramedChannel::registerInverseOfSetting(float key, KWFirstException& r
         registerSetting(*undoManager, index, raised);
 }
 
-// Most records are neutral: then the action is so small that std::function allocates nothing.
+// Reads the lists as they are, staged or not. Most records are neutral: then the action is so small
+// that std::function allocates nothing.
 void KWKeyFramedChannel::registerSetting(KWUndoManager& undoManager, std::size_t index,
                                          KWFirstException& raised) {
     const float key = _frames.keys[index];
@@ -227,16 +238,16 @@ void KWKeyFramedChannel::replaceRecordForKeyframe(Record record, float key) {
     std::uint32_t index = indexOf(key);
     if (index == KWNotFound)
         return;
-    if (index >= _frames.records.size())
+    if (index >= lists().records.size())
         throw std::out_of_range("a key has no shape");
     KWFirstException raised;
     if (KWUndoManager* undoManager = recordingUndoManager()) {
         undoManager->registerUndo(
             weak_from_this(),
-            [this, key, old = _frames.records.data(index)] { replaceRecordForKeyframe(old, key); },
+            [this, key, old = lists().records.data(index)] { replaceRecordForKeyframe(old, key); },
             raised);
         index = indexOf(key);
-        if (index >= _frames.records.size())
+        if (index >= lists().records.size())
             return raised.rethrow();
     }
     replaceKey(index, std::nullopt, record);
@@ -259,8 +270,12 @@ void KWKeyFramedChannel::removeValuesForKeyframes(const std::vector<KWTime>& key
     // The list may be a selection that observers prune as the keys go.
     const std::vector<KWTime> removed = keys;
     KWFirstException raised;
-    for (const KWTime key : removed)
-        removeKeyframe(key.time(), raised);
+    {
+        Staging staging(*this, removed.size());
+        for (const KWTime key : removed)
+            if (!staging.isPossible() || !removeStaged(key.time(), raised))
+                removeKeyframe(key.time(), raised);
+    }
     raised.rethrow();
 }
 
@@ -268,12 +283,12 @@ void KWKeyFramedChannel::removeKeyframe(float key, KWFirstException& raised) {
     std::uint32_t index = indexOf(key);
     if (index == KWNotFound)
         return;
-    if (index >= _frames.values.size() || index >= _frames.records.size())
+    if (index >= lists().values.size() || index >= lists().records.size())
         throw std::out_of_range("a key has no value or no shape");
     if (KWUndoManager* undoManager = recordingUndoManager()) {
         registerSetting(*undoManager, index, raised);
         index = indexOf(key);
-        if (index >= _frames.values.size() || index >= _frames.records.size())
+        if (index >= lists().values.size() || index >= lists().records.size())
             return;
     }
     removeKey(index);
@@ -289,7 +304,7 @@ void KWKeyFramedChannel::removeAllKeyframes() {
 
 void KWKeyFramedChannel::removeEveryKeyframe(KWFirstException& raised) {
     if (KWUndoManager* undoManager = recordingUndoManager()) {
-        auto old = std::make_shared<const KWKeyFrames>(_frames);
+        auto old = std::make_shared<const KWKeyFrames>(lists());
         undoManager->registerUndo(
             weak_from_this(), [this, old = std::move(old)] { setFramesForKeyframes(*old); },
             raised);
@@ -300,7 +315,7 @@ void KWKeyFramedChannel::removeEveryKeyframe(KWFirstException& raised) {
 // --- The lists themselves
 
 void KWKeyFramedChannel::insertKey(std::size_t index, float value, Record record, float key) {
-    KWKeyFrames& frames = _frames;
+    KWKeyFrames& frames = lists();
     // An insertion behind the last key is one behind the last value and the last record, however
     // many there are.
     const bool appends = index == frames.keys.size();
@@ -325,13 +340,13 @@ void KWKeyFramedChannel::insertKey(std::size_t index, float value, Record record
 
 // Without a value only the record is replaced.
 void KWKeyFramedChannel::replaceKey(std::size_t index, std::optional<float> value, Record record) {
-    if ((value && index >= _frames.values.size()) || index >= _frames.records.size())
+    if ((value && index >= lists().values.size()) || index >= lists().records.size())
         throw std::out_of_range("a key has no value or no shape");
-    _frames.records.replace(index, record);
+    lists().records.replace(index, record);
     keysChange();
     if (value)
-        _frames.values[index] = *value;
-    if (!_regular || _frames.records.hasOddLengths()) [[unlikely]]
+        lists().values[index] = *value;
+    if (!_regular || lists().records.hasOddLengths()) [[unlikely]]
         return refresh();
     refreshTangents(index < 2 ? 0 : index - 2, index + 1);
 }
@@ -339,9 +354,9 @@ void KWKeyFramedChannel::replaceKey(std::size_t index, std::optional<float> valu
 void KWKeyFramedChannel::removeKey(std::size_t index) {
     const auto at = static_cast<std::ptrdiff_t>(index);
     keysChange();
-    _frames.keys.erase(_frames.keys.begin() + at);
-    _frames.values.erase(_frames.values.begin() + at);
-    _frames.records.erase(index);
+    lists().keys.erase(lists().keys.begin() + at);
+    lists().values.erase(lists().values.begin() + at);
+    lists().records.erase(index);
     if (!_regular) [[unlikely]]
         return refresh();
     _tangents.erase(_tangents.begin() + at);
@@ -350,9 +365,9 @@ void KWKeyFramedChannel::removeKey(std::size_t index) {
 
 void KWKeyFramedChannel::clearKeys() {
     keysChange();
-    _frames.keys.clear();
-    _frames.values.clear();
-    _frames.records.clear();
+    lists().keys.clear();
+    lists().values.clear();
+    lists().records.clear();
     _tangents.clear();
     _regular = true;
 }
@@ -360,18 +375,18 @@ void KWKeyFramedChannel::clearKeys() {
 // --- Manipulation
 
 void KWKeyFramedChannel::startManipulation() {
-    _saved = _frames;
+    _saved = lists();
     KWChannel::startManipulation();
 }
 
 void KWKeyFramedChannel::stopManipulation() {
     const auto alive = weak_from_this().lock();
-    if (areEqual(_frames.keys, _saved.keys) && areEqual(_frames.values, _saved.values)) {
+    if (areEqual(lists().keys, _saved.keys) && areEqual(lists().values, _saved.values)) {
         KWChannel::stopManipulation();
         return;
     }
     const KWKeyFrames start = _saved;
-    KWKeyFrames end = _frames;
+    KWKeyFrames end = lists();
     KWFirstException raised;
     try {
         checkComplete(start);
@@ -380,7 +395,7 @@ void KWKeyFramedChannel::stopManipulation() {
     } catch (...) {
         // Out of memory, say: at least the keys are not lost.
         KWChannel::stopManipulation();
-        _frames = std::move(end);
+        lists() = std::move(end);
         keysChange();
         refresh();
         throw;

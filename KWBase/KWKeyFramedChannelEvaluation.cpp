@@ -9,8 +9,10 @@
 // this function, of which inlining must make no second copy.
 [[gnu::noinline]] float KWKeyFramedChannel::valueForTime(std::optional<KWTime> time) const {
     float t = time.value_or(KWTime(0)).time();
-    if (!_regular) [[unlikely]]
-        return valueByWalking(t);
+    if (!_regular) [[unlikely]] {
+        if (!isRegular())
+            return valueByWalking(t);
+    }
     const KWKeyFrameCurve curve = this->curve();
     if (curve.count < 2) [[unlikely]]
         return curve.count == 0 ? 0.0f : curve.values[0];
@@ -65,7 +67,7 @@ float KWKeyFramedChannel::valueNear(KWKeyFramePlace& place, float time) const {
 }
 
 float KWKeyFramedChannel::valueByWalking(float t) const {
-    const std::vector<float>& keys = _frames.keys;
+    const std::vector<float>& keys = lists().keys;
     const std::uint32_t count = keyframeCount();
     if (count > 1)
         t = KWKeyFrameCurve::mappedTime(t, keys.front(), keys.back(), _mode, _repeat);
@@ -73,16 +75,16 @@ float KWKeyFramedChannel::valueByWalking(float t) const {
     if (count == 0)
         return 0.0f;
     if (count == 1 || (_repeat == KWRepeatModeNone && preceding == KWBeforeFirstKeyframe))
-        return _frames.values.at(0);
+        return lists().values.at(0);
     if (_repeat == KWRepeatModeNone && preceding == count - 1)
-        return _frames.values.at(preceding);
+        return lists().values.at(preceding);
     return interpolate(preceding, t);
 }
 
 // From the key that precedes the time to the next one, where the last and the first key are
 // neighbours too. Wants at least two keys; `preceding` may be -1.
 float KWKeyFramedChannel::interpolate(std::uint32_t preceding, float t) const {
-    const KWKeyFrames& frames = _frames;
+    const KWKeyFrames& frames = lists();
     const std::uint32_t count = keyframeCount();
     const std::uint32_t i = (count + preceding) % count;
     const std::uint32_t j = (count + preceding + 1) % count;
@@ -118,10 +120,10 @@ float KWKeyFramedChannel::interpolate(std::uint32_t preceding, float t) const {
 // end.
 KWKeyFrameTangents KWKeyFramedChannel::tangents(std::uint32_t preceding, std::uint32_t from,
                                                 std::uint32_t to) const {
-    const std::vector<float>& keys = _frames.keys;
-    const std::vector<float>& values = _frames.values;
-    const KWKeyFrameRecords::Shape& pi = _frames.records.shape(from);
-    const KWKeyFrameRecords::Shape& pj = _frames.records.shape(to);
+    const std::vector<float>& keys = lists().keys;
+    const std::vector<float>& values = lists().values;
+    const KWKeyFrameRecords::Shape& pi = lists().records.shape(from);
+    const KWKeyFrameRecords::Shape& pj = lists().records.shape(to);
     const double ti = keys[from];
     const double tj = keys[to];
     const double vi = values[from];
@@ -158,9 +160,9 @@ KWKeyFrameTangents KWKeyFramedChannel::tangents(std::uint32_t preceding, std::ui
 // --- Upkeep
 
 bool KWKeyFramedChannel::isOrderly() const {
-    const std::vector<float>& keys = _frames.keys;
-    if (keys.size() != _frames.values.size() || keys.size() != _frames.records.size() ||
-        _frames.records.hasOddLengths())
+    const std::vector<float>& keys = lists().keys;
+    if (keys.size() != lists().values.size() || keys.size() != lists().records.size() ||
+        lists().records.hasOddLengths())
         return false;
     if (!keys.empty() && std::isnan(keys[0]))
         return false;
@@ -176,13 +178,13 @@ void KWKeyFramedChannel::refresh() {
         _tangents = {};
         return;
     }
-    _tangents.resize(_frames.keys.size());
+    _tangents.resize(lists().keys.size());
     if (_tangents.size() > 1)
         refreshTangents(0, _tangents.size() - 2);
 }
 
 void KWKeyFramedChannel::refreshTangents(std::size_t firstSegment, std::size_t lastSegment) {
-    for (std::size_t s = firstSegment; s <= lastSegment && s + 1 < _frames.keys.size(); ++s) {
+    for (std::size_t s = firstSegment; s <= lastSegment && s + 1 < lists().keys.size(); ++s) {
         const auto i = static_cast<std::uint32_t>(s);
         _tangents[s] = tangents(i, i, i + 1);
     }

@@ -289,7 +289,7 @@ void sampleByBuffers(Sampler& sampler, const KWKeyFrameCurve& curve, std::span<c
 void KWKeyFramedChannel::valuesForTimes(std::span<const float> times,
                                         std::span<float> values) const {
     // A subclass may answer other values one by one.
-    if (!_regular || keyframeCount() < 2 || typeid(*this) != typeid(KWKeyFramedChannel)) {
+    if (keyframeCount() < 2 || !_regular || typeid(*this) != typeid(KWKeyFramedChannel)) {
         KWChannel::valuesForTimes(times, values);
         return;
     }

@@ -126,3 +126,77 @@ void KWKeyFrameRecords::assign(std::vector<Shape> shapes) {
     clear();
     _shapes = std::move(shapes);
 }
+
+void KWKeyFrameRecords::prepareMerge(const KWKeyFrameRecords& more, std::size_t count) {
+    KWPrepareSize(_shapes, count);
+    if (_reserved.capacity() == 0 && more._reserved.empty())
+        return;
+    KWPrepareSize(_reserved, count);
+    _reserved.resize(_shapes.size());
+}
+
+void KWKeyFrameRecords::resize(std::size_t count) {
+    _shapes.resize(count);
+    if (_reserved.capacity() != 0)
+        _reserved.resize(count);
+}
+
+void KWKeyFrameRecords::copyWithin(std::size_t from, std::size_t to) {
+    _shapes[to] = _shapes[from];
+    if (!_reserved.empty())
+        _reserved[to] = _reserved[from];
+}
+
+void KWKeyFrameRecords::copyFrom(const KWKeyFrameRecords& other, std::size_t from, std::size_t to) {
+    _shapes[to] = other._shapes[from];
+    if (!_reserved.empty())
+        _reserved[to] = other._reserved.empty() ? Reserved{} : other._reserved[from];
+}
+
+void KWKeyFrames::prepareMerge(const KWKeyFrameRecords& more, std::size_t count) {
+    const std::size_t total = keys.size() + count;
+    KWPrepareSize(keys, total);
+    KWPrepareSize(values, total);
+    records.prepareMerge(more, total);
+}
+
+void KWKeyFrames::merge(const KWKeyFrames& more) {
+    std::size_t here = keys.size();
+    std::size_t there = more.keys.size();
+    std::size_t to = here + there;
+    keys.resize(to);
+    values.resize(to);
+    records.resize(to);
+    // From the end, so that nothing is overwritten before it is moved.
+    while (there > 0) {
+        --to;
+        if (here > 0 && keys[here - 1] > more.keys[there - 1]) {
+            --here;
+            keys[to] = keys[here];
+            values[to] = values[here];
+            records.copyWithin(here, to);
+        } else {
+            --there;
+            keys[to] = more.keys[there];
+            values[to] = more.values[there];
+            records.copyFrom(more.records, there, to);
+        }
+    }
+}
+
+void KWKeyFrames::remove(const std::vector<bool>& isRemoved) {
+    std::size_t to = 0;
+    for (std::size_t from = 0; from < keys.size(); ++from) {
+        if (isRemoved[from])
+            continue;
+        if (to != from) {
+            keys[to] = keys[from];
+            values[to] = values[from];
+            records.copyWithin(from, to);
+        }
+        ++to;
+    }
+    keys.resize(to);
+    values.resize(to);
+    records.resize(to);
+}

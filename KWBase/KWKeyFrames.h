@@ -56,6 +56,16 @@ class KW_EXPORT KWKeyFrameRecords {
     /// Replaces all by records that have these shapes and no reserved floats.
     void assign(std::vector<Shape> shapes);
 
+    // For lists without odd records.
+
+    /// Makes room for so many in all, those of `more` among them, so that neither resize() nor
+    /// copying them here throws.
+    void prepareMerge(const KWKeyFrameRecords& more, std::size_t count);
+    /// To a count that there is room for. New records have to be overwritten.
+    void resize(std::size_t count);
+    void copyWithin(std::size_t from, std::size_t to);
+    void copyFrom(const KWKeyFrameRecords& other, std::size_t from, std::size_t to);
+
   private:
     struct Reserved {
         std::byte bytes[24];
@@ -77,6 +87,15 @@ struct KWKeyFrames {
     std::vector<float> keys; ///< times, in seconds
     std::vector<float> values;
     KWKeyFrameRecords records;
+
+    // For lists of equal lengths with ascending keys and no odd records.
+
+    /// Makes room for so many more, with the records of `more` among them.
+    void prepareMerge(const KWKeyFrameRecords& more, std::size_t count);
+    /// Puts others, ascending too and with other times, between these. There must be room.
+    void merge(const KWKeyFrames& more);
+    /// Removes those that are marked; a mark for each.
+    void remove(const std::vector<bool>& isRemoved);
 };
 
 /// The slopes at the start and at the end of the stretch between two keys, rounded to float.
@@ -101,6 +120,13 @@ struct KWKeyFramePlace {
     float length = 0;          ///< of the stretch
     std::uint32_t segment = 0; ///< the key that the stretch starts at
 };
+
+/// Makes room for so many elements in all, at least doubling the room when there is too little.
+template <class T>
+void KWPrepareSize(std::vector<T>& list, std::size_t count) {
+    if (list.capacity() < count)
+        list.reserve(count < 2 * list.capacity() ? 2 * list.capacity() : count);
+}
 
 /// Makes room for one more element, at least doubling the room when there is none.
 template <class T>

@@ -177,6 +177,31 @@ void editVectors(benchmark::State& state) {
     }
 }
 
+/// Takes every second key away, and puts it back elsewhere, as a drag does, with undo.
+void moveHalf(benchmark::State& state) {
+    const KWSampleKeys sample(static_cast<std::size_t>(state.range(0)));
+    Owner owner;
+    sample.channel->setOwner(&owner);
+    std::vector<KWTime> here;
+    std::vector<KWTime> there;
+    std::vector<float> values;
+    for (std::size_t k = 1; k < sample.keys.size(); k += 2) {
+        here.emplace_back(sample.keys[k]);
+        there.emplace_back(sample.keys[k] + 0.25f);
+        values.push_back(sample.values[k]);
+    }
+    const std::vector<KWData> records(values.size(), KWKeyFramedChannel::hermiteData());
+    for (auto _ : state) {
+        sample.channel->removeValuesForKeyframes(here);
+        sample.channel->setValuesHermiteValuesForKeyframes(values, records, there);
+        std::swap(here, there);
+        state.PauseTiming();
+        owner.manager->removeAllActions();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(values.size()));
+}
+
 /// Of 100,000 keys that were read often enough to have an index, each with a shape.
 void memoryOfChannel(benchmark::State& state) {
     const KWSampleCurve sample(static_cast<std::size_t>(state.range(0)));
@@ -213,6 +238,7 @@ BENCHMARK_CAPTURE(randomBatchBy, AVX2, KWVectorTarget::avx2)->Arg(1000);
 BENCHMARK_CAPTURE(randomBatchBy, baseline, KWVectorTarget::baseline)->Arg(1000);
 BENCHMARK(editChannel)->Arg(1000);
 BENCHMARK(editVectors)->Arg(1000);
+BENCHMARK(moveHalf)->Arg(1000)->Arg(100000);
 BENCHMARK(memoryOfChannel)->Arg(100000)->Iterations(1);
 BENCHMARK(insertIntoChannel)->Arg(1000);
 BENCHMARK(insertIntoVectors)->Arg(1000);

@@ -91,6 +91,8 @@ SECTIONS = [
              chart="1,000 channels, a frame"),
         Goal("setting the value of a key, 1,000 keys", "editChannel/1000",
              {"editVectors/1000": "plain vectors"}, None, is_cost=True),
+        Goal("moving half of the keys: a key of 100,000 beside one of 1,000", "moveHalf/100000",
+             {"moveHalf/1000": "1,000 keys"}, 2, is_cost=True),
         Goal("making 100,000 keys in random order, with undo", "insertIntoChannel/100000/iterations:1",
              {"insertIntoVectors/100000/iterations:1": "plain vectors"}, 3, is_cost=True),
     ]),

@@ -18,7 +18,7 @@ FLOORS = [
     ["KWConstantChannel", "KWFloat4", "KWKeyFrames", "KWKeyFrameCurve", "KWKeyFrameIndex",
      "KWKeyFrameKernels", "KWKeyFramedChannel",
      "KWKeyFramedChannelArchiving", "KWKeyFramedChannelEditing", "KWKeyFramedChannelEvaluation",
-     "KWKeyFramedChannelSampling", "KWAlgebricChannel", "KWUnknownChannel", "KWChannelCursor"],
+     "KWKeyFramedChannelSampling", "KWKeyFramedChannelStaging", "KWKeyFrameStage", "KWAlgebricChannel", "KWUnknownChannel", "KWChannelCursor"],
     ["KWChannelGroup", "KWChannelArray", "KWChannelArrayCursor", "KWChannelElement", "KWFormatter"],
     ["KWChannelClasses", "KWUnitFormatter"],
     ["KWLengthFormatter", "KWAngleFormatter"],
