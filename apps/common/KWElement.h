@@ -15,8 +15,9 @@
 
 class KWAlgebricChannel;
 
-/// Posted by an element, with itself as object, when channels or groups of it have come, gone, taken
-/// another's place or another name: outlines reload. Only an element in a std::shared_ptr posts it.
+/// Posted by an element, with itself as object, when channels or groups of it have come, gone,
+/// taken another's place or another name: outlines reload. Only an element in a std::shared_ptr
+/// posts it.
 inline constexpr std::string_view KWElementChannelsDidChangeNotification =
     "KWElementChannelsDidChangeNotification";
 
