@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TestFiles.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <spawn.h>
@@ -17,15 +19,6 @@
 #include <vector>
 
 extern char** environ;
-
-inline std::string readFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-inline void writeFile(const std::filesystem::path& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
 
 /// Runs the built kwchannel in a folder of its own, which goes with the test.
 class CommandTest : public testing::Test {
@@ -111,8 +104,8 @@ class CommandTest : public testing::Test {
         }
         Result result;
         result.code = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-        result.out = readFile(_out);
-        result.err = readFile(_err);
+        result.out = contentsOf(_out);
+        result.err = contentsOf(_err);
         return result;
     }
 

@@ -8,10 +8,6 @@ namespace {
 using nlohmann::json;
 using Number = ArchiveBuilder::Number;
 
-std::string asText(const KWData& data) {
-    return {reinterpret_cast<const char*>(data.data()), data.size()};
-}
-
 const char* const committedSamples[] = {"bouncing-ball.kwdoc", "light-show.kwdoc",
                                         "hard-curves-museum.kwdoc", "irregular-museum.kwdoc"};
 
@@ -35,7 +31,7 @@ TEST_F(KWChannelCommand, DumpShowsObjectsOnceWithTheirWidths) {
                                 {"second", builder.reference(shared)},
                                 {"bytes", builder.list.addData(bytes)},
                                 {"text", builder.reference(builder.addString("a \"b\"\n"))}}));
-    writeFile(path("odd.plist"), asText(builder.finishWithRoot(self)));
+    writeFile(path("odd.plist"), stringOf(builder.finishWithRoot(self)));
 
     const std::string dump = output({"dump", path("odd.plist")});
     EXPECT_CONTAINS(dump, "keyed archive, binary");
@@ -64,7 +60,7 @@ TEST_F(KWChannelCommand, DumpShowsWhatIsNestedDeeplyFurtherDown) {
     Number next = builder.addString("the end");
     for (int i = 0; i < 100000; ++i)
         next = builder.addInstance({"Link", "NSObject"}, {{"next", builder.reference(next)}});
-    writeFile(path("deep.plist"), asText(builder.finishWithRoot(next)));
+    writeFile(path("deep.plist"), stringOf(builder.finishWithRoot(next)));
     const std::string dump = output({"dump", path("deep.plist")});
     EXPECT_CONTAINS(dump, "\"the end\"");
     std::size_t longest = 0;
@@ -79,7 +75,7 @@ TEST_F(KWChannelCommand, DumpShowsWhatIsNestedDeeplyFurtherDown) {
 TEST_F(KWChannelCommand, DumpRefusesAPropertyListThatIsNoArchive) {
     KWPropertyList list;
     list.setRoot(list.addString("hello"));
-    writeFile(path("plain.plist"), asText(list.data(KWPropertyList::Format::binary)));
+    writeFile(path("plain.plist"), stringOf(list.data(KWPropertyList::Format::binary)));
     EXPECT_CONTAINS(failure(1, {"dump", path("plain.plist")}), "no keyed archive");
     writeFile(path("text"), "hello");
     failure(1, {"dump", path("text")});
@@ -96,9 +92,9 @@ TEST_F(KWChannelCommand, EverySampleCanBeDumped) {
 TEST_F(KWChannelCommand, ConvertThereAndBackKeepsEveryValue) {
     for (const char* name : committedSamples) {
         output({"convert", sample(name), "-o", path("there.xml")});
-        EXPECT_TRUE(readFile(path("there.xml")).starts_with("<?xml"));
+        EXPECT_TRUE(contentsOf(path("there.xml")).starts_with("<?xml"));
         output({"convert", path("there.xml"), "-o", path("back.kwdoc")});
-        EXPECT_TRUE(readFile(path("back.kwdoc")).starts_with("bplist00"));
+        EXPECT_TRUE(contentsOf(path("back.kwdoc")).starts_with("bplist00"));
         const json there = json::parse(output({"info", "--json", path("there.xml")}));
         const json back = json::parse(output({"info", "--json", path("back.kwdoc")}));
         const json first = json::parse(output({"info", "--json", sample(name)}));
@@ -122,10 +118,10 @@ TEST_F(KWChannelCommand, ConvertToTheSameFormKeepsTheDump) {
 
 TEST_F(KWChannelCommand, ConvertChoosesTheFormByOptionOrEnding) {
     output({"convert", ball, "-o", path("a.kwdoc"), "--to", "xml"});
-    EXPECT_TRUE(readFile(path("a.kwdoc")).starts_with("<?xml"));
+    EXPECT_TRUE(contentsOf(path("a.kwdoc")).starts_with("<?xml"));
     output({"convert", ball, "-o", path("b.xml"), "--to", "binary"});
-    EXPECT_TRUE(readFile(path("b.xml")).starts_with("bplist00"));
-    EXPECT_EQ(output({"convert", ball, "-o", "-", "--to", "xml"}), readFile(path("a.kwdoc")));
+    EXPECT_TRUE(contentsOf(path("b.xml")).starts_with("bplist00"));
+    EXPECT_EQ(output({"convert", ball, "-o", "-", "--to", "xml"}), contentsOf(path("a.kwdoc")));
 }
 
 TEST_F(KWChannelCommand, AHostsDocumentIsReadAndConvertedWithAllItHolds) {
@@ -138,8 +134,8 @@ TEST_F(KWChannelCommand, AHostsDocumentIsReadAndConvertedWithAllItHolds) {
                                             {{"name", builder.reference(builder.addString("Lamp"))},
                                              {"channels", builder.reference(array)},
                                              {"watts", builder.list.addFloat(40.5F)}});
-    writeFile(path("host.plist"), asText(builder.finish({{"lamp", builder.reference(lamp)},
-                                                         {"windows", builder.list.addInt(3)}})));
+    writeFile(path("host.plist"), stringOf(builder.finish({{"lamp", builder.reference(lamp)},
+                                                           {"windows", builder.list.addInt(3)}})));
 
     const std::string info = output({"info", path("host.plist")});
     EXPECT_CONTAINS(info, "Lamp     HostLamp\n");
@@ -170,7 +166,7 @@ TEST_F(KWChannelCommand, ListsThatStandAtManyPlacesAreNotMultiplied) {
     }
     const Number host = builder.addInstance({"Host", "NSObject"}, {{"lists", list}});
     writeFile(path("many.plist"),
-              asText(builder.finish({{"root", builder.reference(host)}, {"inlined", list}})));
+              stringOf(builder.finish({{"root", builder.reference(host)}, {"inlined", list}})));
     EXPECT_LT(lines(output({"dump", path("many.plist")})).size(), 200U);
     EXPECT_NE(run({"info", path("many.plist")}).code, -SIGKILL);
 }

@@ -57,7 +57,7 @@ TEST_F(KWChannelCommand, ItsCompletionRunsInBash) {
                                   "_kwchannel; echo ${COMPREPLY[@]}\n");
     const std::string command = "bash '" + path("script") + "' > '" + path("out") + "'";
     ASSERT_EQ(std::system(command.c_str()), 0);
-    EXPECT_EQ(readFile(path("out")), "eval\ncsv jsonl\n");
+    EXPECT_EQ(contentsOf(path("out")), "eval\ncsv jsonl\n");
 }
 
 TEST_F(KWChannelCommand, WrongUseIsOneLineWithAHint) {
@@ -315,11 +315,11 @@ TEST_F(KWChannelCommand, BakeTakesItsFormatFromTheFilesNameUnlessTold) {
     const std::vector<std::string> bake = {
         "bake", ball, "radius", "--from", "0", "--to", "1", "--rate", "1", "-o", path("x.jsonl")};
     output(bake);
-    EXPECT_TRUE(readFile(path("x.jsonl")).starts_with("{\"time\":0,"));
+    EXPECT_TRUE(contentsOf(path("x.jsonl")).starts_with("{\"time\":0,"));
     std::vector<std::string> told = bake;
     told.insert(told.end(), {"--format", "csv"});
     output(told);
-    EXPECT_TRUE(readFile(path("x.jsonl")).starts_with("time,"));
+    EXPECT_TRUE(contentsOf(path("x.jsonl")).starts_with("time,"));
 }
 
 TEST_F(KWChannelCommand, BakeAnswersWhatEvalAnswers) {
@@ -364,7 +364,7 @@ TEST_F(KWChannelCommand, BakeIntoAFileWritesTheSame) {
     const std::string text = output(arguments);
     arguments.insert(arguments.end(), {"-o", path("show.csv")});
     EXPECT_EQ(output(arguments), "");
-    EXPECT_EQ(readFile(path("show.csv")), text);
+    EXPECT_EQ(contentsOf(path("show.csv")), text);
     EXPECT_EQ(filesLeft(), std::vector<std::string>{"show.csv"});
 }
 
@@ -374,7 +374,7 @@ TEST_F(KWChannelCommand, BakeKeepsPermissionsAndFollowsLinks) {
     std::filesystem::create_symlink("real.csv", path("link.csv"));
     output({"bake", ball, "--from", "0", "--to", "1", "--rate", "1", "-o", path("link.csv")});
     EXPECT_TRUE(std::filesystem::is_symlink(path("link.csv")));
-    EXPECT_TRUE(readFile(path("real.csv")).starts_with("time,"));
+    EXPECT_TRUE(contentsOf(path("real.csv")).starts_with("time,"));
     EXPECT_EQ(std::filesystem::status(path("real.csv")).permissions(),
               std::filesystem::perms(0640));
 }
@@ -399,7 +399,7 @@ TEST_F(KWChannelCommand, InterruptedBakeLeavesNoPartialFile) {
         EXPECT_EQ(result.code, 130);
         EXPECT_EQ(result.err, "kwchannel: interrupted; " + path("old.csv") + " is unchanged\n");
         EXPECT_EQ(filesLeft(), std::vector<std::string>{"old.csv"});
-        EXPECT_EQ(readFile(path("old.csv")), "old");
+        EXPECT_EQ(contentsOf(path("old.csv")), "old");
     }
 }
 
@@ -450,7 +450,7 @@ TEST_F(KWChannelCommand, ReadsADocumentFromStandardInput) {
 }
 
 TEST_F(KWChannelCommand, CutFilesAreOneErrorThatNamesThem) {
-    const std::string whole = readFile(ball);
+    const std::string whole = contentsOf(ball);
     const std::string file = path("cut.kwdoc");
     for (std::size_t size = 0; size < whole.size(); size += placeStep * (1 + whole.size() / 40)) {
         writeFile(file, whole.substr(0, size));
@@ -462,7 +462,7 @@ TEST_F(KWChannelCommand, CutFilesAreOneErrorThatNamesThem) {
 }
 
 TEST_F(KWChannelCommand, FlippedBitsAreAnErrorOrAnotherDocument) {
-    const std::string whole = readFile(ball);
+    const std::string whole = contentsOf(ball);
     const std::string file = path("flipped.kwdoc");
     int damaged = 0;
     for (std::size_t i = 0; i < whole.size(); i += placeStep * (1 + whole.size() / 120)) {
@@ -485,7 +485,7 @@ TEST_F(KWChannelCommand, FlippedBitsAreAnErrorOrAnotherDocument) {
 TEST_F(KWChannelCommand, CutXMLIsAnErrorToo) {
     const std::string file = path("ball.xml");
     output({"convert", ball, "-o", file});
-    const std::string whole = readFile(file);
+    const std::string whole = contentsOf(file);
     for (std::size_t size = 0; size + 20 < whole.size(); size += 1 + whole.size() / 20) {
         writeFile(file, whole.substr(0, size));
         EXPECT_CONTAINS(failure(1, {"info", file}), file);

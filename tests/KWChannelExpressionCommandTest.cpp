@@ -279,7 +279,7 @@ TEST_F(KWChannelExpressions, ExpressionsSurviveEveryForm) {
         EXPECT_EQ(run({"validate", document}).err,
                   "kwchannel: " + document + ": 6 channels, no faults\n");
     }
-    EXPECT_EQ(readFile(path("back.kwdoc")), readFile(wave));
+    EXPECT_EQ(contentsOf(path("back.kwdoc")), contentsOf(wave));
     EXPECT_CONTAINS(output({"dump", wave}), "expressionTexts = [");
 }
 
@@ -311,11 +311,11 @@ TEST_F(KWChannelExpressions, ABareExpressionIsLostInAKeyedArchive) {
     EXPECT_EQ(refused.code, 1);
     EXPECT_CONTAINS(refused.err, "would be lost: gain: its expression \"2*t\": a keyed archive");
     EXPECT_EQ(filesLeft(), std::vector<std::string>{"bare.stream"});
-    EXPECT_EQ(output({"convert", document, "--to", "sequential", "-o", "-"}), readFile(document));
+    EXPECT_EQ(output({"convert", document, "--to", "sequential", "-o", "-"}), contentsOf(document));
 }
 
 TEST_F(KWChannelExpressions, WhatCannotBeRestoredIsToldInALine) {
-    std::string bytes = readFile(wave);
+    std::string bytes = contentsOf(wave);
     const std::size_t place = bytes.find("0.5*exp(");
     ASSERT_NE(place, std::string::npos);
     bytes[place] = '(';
@@ -326,7 +326,7 @@ TEST_F(KWChannelExpressions, WhatCannotBeRestoredIsToldInALine) {
 }
 
 TEST_F(KWChannelExpressions, SetGivesAnExpressionANewText) {
-    writeFile(path("wave.kwdoc"), readFile(wave));
+    writeFile(path("wave.kwdoc"), contentsOf(wave));
     EXPECT_EQ(output({"set", path("wave.kwdoc"), "Buoy/tilt", "-0.1*LN(t + 1)"}), "");
     EXPECT_EQ(textOf(path("wave.kwdoc"), "Buoy/tilt"), "-0.1*LN(t + 1)");
     EXPECT_EQ(textOf(path("wave.kwdoc"), "Buoy/battery"), textOf(wave, "Buoy/battery"));
@@ -356,19 +356,19 @@ TEST_F(KWChannelExpressions, SetReplacesAChannelOfAnotherKind) {
 TEST_F(KWChannelExpressions, SetWritesElsewhereOrToStandardOutput) {
     EXPECT_EQ(output({"set", wave, "tilt", "t", "-o", path("new.kwdoc")}), "");
     EXPECT_EQ(textOf(path("new.kwdoc"), "Buoy/tilt"), "t");
-    EXPECT_EQ(output({"set", wave, "tilt", "t", "-o", "-"}), readFile(path("new.kwdoc")));
+    EXPECT_EQ(output({"set", wave, "tilt", "t", "-o", "-"}), contentsOf(path("new.kwdoc")));
     input = wave;
-    EXPECT_EQ(output({"set", "-", "tilt", "t", "-o", "-"}), readFile(path("new.kwdoc")));
+    EXPECT_EQ(output({"set", "-", "tilt", "t", "-o", "-"}), contentsOf(path("new.kwdoc")));
     EXPECT_CONTAINS(output({"info", wave}), "0.5*exp(-abs(t)/4)*cos(3*t)");
     failure(3, {"set", wave, "tilt", "t", "-o", path("no/x")});
     failure(3, {"set", path("none"), "tilt", "t"});
 }
 
 TEST_F(KWChannelExpressions, SetLeavesTheFileAsItWasWhenTheTextIsRefused) {
-    writeFile(path("wave.kwdoc"), readFile(wave));
+    writeFile(path("wave.kwdoc"), contentsOf(wave));
     EXPECT_EQ(excerpt({"set", path("wave.kwdoc"), "tilt", "2*("}, "the parentheses do not match"),
               "  2*(\n    ^\n");
-    EXPECT_EQ(readFile(path("wave.kwdoc")), readFile(wave));
+    EXPECT_EQ(contentsOf(path("wave.kwdoc")), contentsOf(wave));
     EXPECT_EQ(filesLeft(), std::vector<std::string>{"wave.kwdoc"});
 }
 
@@ -379,13 +379,13 @@ TEST_F(KWChannelExpressions, SetWritesNothingThatTheFormCannotCarryUnlessToldTo)
         KWDocument document = KWDocument::read(KWArchiver::archivedDataWithRootObject(array));
         writeData("array",
                   document.data(isKeyed ? KWDocument::Form::binary : KWDocument::Form::sequential));
-        const std::string before = readFile(path("array"));
+        const std::string before = contentsOf(path("array"));
         const Result refused = run({"set", path("array"), "gain", "ln(t)"});
         EXPECT_EQ(refused.code, 1);
         EXPECT_CONTAINS(refused.err, "would be lost: gain: its expression \"ln(t)\": ");
         EXPECT_CONTAINS(refused.err, "array: not written, as 1 thing would be lost; --lossy ");
         EXPECT_EQ(contains(refused.err, "kwchannel convert --to sequential"), isKeyed);
-        EXPECT_EQ(readFile(path("array")), before);
+        EXPECT_EQ(contentsOf(path("array")), before);
         const Result done = run({"set", path("array"), "gain", "ln(t)", "--lossy"});
         EXPECT_EQ(done.code, 0);
         EXPECT_CONTAINS(done.err, ": lost: gain: its expression");

@@ -12,10 +12,6 @@ using nlohmann::json;
 
 namespace {
 
-std::string asText(const KWData& data) {
-    return {reinterpret_cast<const char*>(data.data()), data.size()};
-}
-
 /// What follows the first line.
 std::string body(const std::string& text) {
     return text.substr(text.find('\n') + 1);
@@ -52,14 +48,14 @@ TEST_F(KWChannelForms, RoundTripsKeepAllValuesAndModes) {
         EXPECT_EQ(evaluated(path("back.kwdoc")), evaluated(document));
         EXPECT_EQ(body(output({"info", path("back.kwdoc")})), body(output({"info", stream})));
         output({"convert", path("back.kwdoc"), "--to", "sequential", "-o", path("again.stream")});
-        EXPECT_EQ(readFile(path("again.stream")), readFile(stream));
+        EXPECT_EQ(contentsOf(path("again.stream")), contentsOf(stream));
     }
 }
 
 TEST_F(KWChannelForms, FromXMLEqualTextsAreWrittenOnce) {
     output({"convert", show, "--to", "xml", "-o", path("show.xml")});
     output({"convert", path("show.xml"), "-o", path("back.kwdoc")});
-    const std::string bytes = readFile(path("back.kwdoc"));
+    const std::string bytes = contentsOf(path("back.kwdoc"));
     EXPECT_EQ(bytes.find("NSObject"), bytes.rfind("NSObject"));
     EXPECT_EQ(evaluated(path("back.kwdoc")), evaluated(show));
 }
@@ -93,7 +89,7 @@ TEST_F(KWChannelForms, WhatWouldBeLostNeedsLossy) {
 TEST_F(KWChannelForms, WhatCannotGoIsRefusedWithLossyToo) {
     ArchiveBuilder builder;
     const auto lamp = builder.addInstance({"HostLamp", "NSObject"}, {});
-    writeFile(path("host.plist"), asText(builder.finishWithRoot(lamp)));
+    writeFile(path("host.plist"), stringOf(builder.finishWithRoot(lamp)));
     for (const char* document : {"host.plist", "irregular"}) {
         const std::string file = document == std::string("irregular") ? irregular : path(document);
         const Result result =
@@ -105,13 +101,13 @@ TEST_F(KWChannelForms, WhatCannotGoIsRefusedWithLossyToo) {
     EXPECT_EQ(filesLeft(), std::vector<std::string>{"host.plist"});
 
     const auto host = streamObject({"Host", "NSObject"}, {0, 0}, {});
-    writeFile(path("host.stream"), asText(KWArchiver::archivedDataWithRootObject(host)));
+    writeFile(path("host.stream"), stringOf(KWArchiver::archivedDataWithRootObject(host)));
     const Result keyed = run({"convert", path("host.stream"), "--to", "xml", "-o", "-"});
     EXPECT_EQ(keyed.code, 1);
     EXPECT_EQ(keyed.out, "");
     EXPECT_CONTAINS(keyed.err, "1 object of the class \"Host\"");
     EXPECT_EQ(output({"convert", path("host.stream"), "--to", "sequential", "-o", "-"}),
-              readFile(path("host.stream")));
+              contentsOf(path("host.stream")));
 }
 
 TEST_F(KWChannelForms, WritesOlderVersionsOfClasses) {
@@ -166,8 +162,8 @@ TEST_F(KWChannelForms, DumpShowsAStreamAsItStands) {
                                  "    @ = -> [1] KWKeyFramedChannel\n"
                                  "  @ = [6] NSData v0 : NSObject v0 { i 3, [3c] 3 bytes <616263> "
                                  "}\n";
-    writeFile(path("little"), asText(exampleStream(false)));
-    writeFile(path("big"), asText(exampleStream(true)));
+    writeFile(path("little"), stringOf(exampleStream(false)));
+    writeFile(path("big"), stringOf(exampleStream(true)));
     EXPECT_EQ(output({"dump", path("little")}),
               "sequential archive, little-endian, 6 objects\n" + expected);
     EXPECT_EQ(output({"dump", path("big")}),
@@ -189,7 +185,7 @@ TEST_F(KWChannelForms, DumpShowsValuesOfEveryType) {
                                 "000000000000000000"
                                 "86"
                                 "84 01 \"i\" 05");
-    std::string bytes = asText(stream);
+    std::string bytes = stringOf(stream);
     // The type is thirteen letters long.
     bytes.replace(bytes.find("\x0c[2{"), 1, "\x0d");
     writeFile(path("types"), bytes);
@@ -213,7 +209,7 @@ TEST_F(KWChannelForms, DumpPutsWhatIsDeepFurtherDown) {
     KWArchiveValue list = KWArchiveValue::mutableArray({});
     for (int k = 0; k < 4; ++k)
         list = KWArchiveValue::mutableArray({list});
-    writeFile(path("deep"), asText(KWArchiver::archivedDataWithRootObject(list)));
+    writeFile(path("deep"), stringOf(KWArchiver::archivedDataWithRootObject(list)));
     const std::string chain = " NSMutableArray v0 : NSArray v0 : NSObject v0";
     EXPECT_EQ(output({"dump", "--depth", "2", path("deep")}),
               "sequential archive, little-endian, 5 objects\n"
@@ -280,7 +276,7 @@ TEST_F(KWChannelForms, ValidateTellsFaultsFromWarnings) {
 }
 
 TEST_F(KWChannelForms, CutStreamsAreOneErrorThatNamesThem) {
-    const std::string whole = readFile(sequential(ball));
+    const std::string whole = contentsOf(sequential(ball));
     const std::string file = path("cut.stream");
     for (std::size_t size = 0; size < whole.size(); size += placeStep * (1 + whole.size() / 40)) {
         writeFile(file, whole.substr(0, size));
@@ -292,7 +288,7 @@ TEST_F(KWChannelForms, CutStreamsAreOneErrorThatNamesThem) {
 }
 
 TEST_F(KWChannelForms, FlippedBitsAreAnErrorOrAnotherDocument) {
-    const std::string whole = readFile(sequential(ball));
+    const std::string whole = contentsOf(sequential(ball));
     const std::string file = path("flipped.stream");
     int damaged = 0;
     for (std::size_t i = 0; i < whole.size(); i += placeStep * (1 + whole.size() / 120)) {

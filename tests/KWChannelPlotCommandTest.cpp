@@ -78,7 +78,7 @@ TEST_F(KWChannelPlot, WritesSVGByItsEnding) {
     const Result result = run({"plot", sample("wave.kwdoc"), "-o", path("wave.svg"), "--light"});
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.err, "");
-    const std::string text = readFile(path("wave.svg"));
+    const std::string text = contentsOf(path("wave.svg"));
     EXPECT_TRUE(text.starts_with("<?xml"));
     EXPECT_NE(text.find("polyline"), std::string::npos);
 }
@@ -196,7 +196,7 @@ TEST_F(KWChannelPlot, AChannelWhoseNameBeginsWithDotsHasItsColourToo) {
 
 TEST_F(KWChannelPlot, AnSVGHasTheSizeOfItsPoints) {
     EXPECT_EQ(run({"plot", wave, "-o", path("wave.svg"), "--size", "960x480"}).code, 0);
-    const std::string text = readFile(path("wave.svg"));
+    const std::string text = contentsOf(path("wave.svg"));
     EXPECT_NE(text.find("width=\"254mm\" height=\"127mm\""), std::string::npos);
     EXPECT_NE(text.find("viewBox=\"0 0 960 480\""), std::string::npos);
 }

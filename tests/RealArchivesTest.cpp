@@ -31,7 +31,7 @@ TEST_F(RealArchives, AreAllDumped) {
 
 TEST_F(RealArchives, LittleEndianStreamsAreWrittenBackByteForByte) {
     for (const std::filesystem::path& file : files) {
-        const std::string text = readFile(file);
+        const std::string text = contentsOf(file);
         const auto bytes = std::as_bytes(std::span(text));
         if (!KWUnarchiver::isArchive(bytes))
             continue;

@@ -7,7 +7,7 @@ TEST(Samples, TheCommittedFilesAreWhatTheGeneratorWrites) {
     std::vector<std::string> names;
     for (const SampleDocument& sample : sampleDocuments()) {
         names.push_back(sample.fileName);
-        const std::string committed = readFile(folder / sample.fileName);
+        const std::string committed = contentsOf(folder / sample.fileName);
         EXPECT_EQ(committed.size(), sample.data.size()) << sample.fileName;
         EXPECT_TRUE(std::equal(committed.begin(), committed.end(), sample.data.begin(),
                                sample.data.end(),

@@ -179,6 +179,7 @@ CommandLine::CommandLine(const std::string& name, const std::string& description
     _impl->addHiddenOptions();
 }
 
+CommandLine::CommandLine(CommandLine&&) noexcept = default;
 CommandLine::~CommandLine() = default;
 
 void CommandLine::addManualSection(const std::string& title, const std::string& text) {

@@ -71,6 +71,7 @@ class CommandLine : public Command {
     /// behind the name.
     CommandLine(const std::string& name, const std::string& description,
                 const std::string& version);
+    CommandLine(CommandLine&&) noexcept;
     ~CommandLine();
 
     /// A section of the manual page, behind those that are made from the options. `text` is roff
