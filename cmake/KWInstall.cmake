@@ -32,7 +32,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/KWBaseConfigVersion.cmake
 install(FILES
     ${PROJECT_BINARY_DIR}/KWBaseConfig.cmake
     ${PROJECT_BINARY_DIR}/KWBaseConfigVersion.cmake
-    DESTINATION ${packageDir}
+    DESTINATION ${packageDir} COMPONENT development
 )
 
 # Paths in the .pc files start from the file itself, so that the installed tree can be moved.
@@ -46,5 +46,5 @@ foreach(package IN LISTS packages)
     configure_file(${CMAKE_CURRENT_LIST_DIR}/${package}.pc.in
         ${PROJECT_BINARY_DIR}/${package}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${package}.pc
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endforeach()

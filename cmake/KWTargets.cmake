@@ -63,23 +63,54 @@ function(kw_add_library component)
         SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
     )
     if(KWBASE_INSTALL)
-        install(TARGETS ${target} EXPORT KWBase${component}Targets FILE_SET HEADERS)
+        install(TARGETS ${target} EXPORT KWBase${component}Targets
+            LIBRARY COMPONENT libraries NAMELINK_COMPONENT development
+            ARCHIVE COMPONENT development
+            FILE_SET HEADERS COMPONENT development)
         install(EXPORT KWBase${component}Targets
-            NAMESPACE KWBase:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/KWBase)
+            NAMESPACE KWBase:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/KWBase
+            COMPONENT development)
     endif()
 endfunction()
 
 # kw_add_program(<name> <file>...)
 #
-# Makes a program; it is installed next to the libraries that it needs.
+# Makes a program; it is installed next to the libraries that it needs, and belongs to the installed
+# component of its name.
 function(kw_add_program name)
     add_executable(${name} ${ARGN})
     kw_target_defaults(${name})
-    file(RELATIVE_PATH libraries
-        ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-    set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+    if(BUILD_SHARED_LIBS)
+        file(RELATIVE_PATH libraries
+            ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+        set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+    endif()
     if(KWBASE_INSTALL)
-        install(TARGETS ${name})
+        install(TARGETS ${name} COMPONENT ${name})
+    endif()
+endfunction()
+
+# kw_add_manual(<program>)
+#
+# The manual page and the completion for bash, which come from the program's own declarations. Makes
+# the target <program>_docs.
+function(kw_add_manual name)
+    set(manual ${CMAKE_CURRENT_BINARY_DIR}/${name}.1)
+    set(completion ${CMAKE_CURRENT_BINARY_DIR}/${name}.bash)
+    add_custom_command(
+        OUTPUT ${manual} ${completion}
+        COMMAND ${name} --generate-man > ${manual}
+        COMMAND ${name} --generate-completion bash > ${completion}
+        DEPENDS ${name}
+        COMMENT "Writing the manual page and the shell completion of ${name}"
+        VERBATIM
+    )
+    add_custom_target(${name}_docs ALL DEPENDS ${manual} ${completion})
+    if(KWBASE_INSTALL)
+        install(FILES ${manual} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${name})
+        install(FILES ${completion}
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+            RENAME ${name} COMPONENT ${name})
     endif()
 endfunction()
 
