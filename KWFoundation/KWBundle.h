@@ -6,7 +6,8 @@
 #include <string_view>
 
 /// The texts that people read, by key, in their language. A table is a property-list "strings"
-/// file: lines of "key" = "text"; with /* comments */ and the escapes \" \\ \n \t.
+/// file: lines of `"key" = "text";` with comments as in C; a backslash stands before a quote,
+/// before itself, and before n and t for the end of a line and a tab.
 ///
 /// The language is the first of the environment's LANGUAGE, LC_ALL, LC_MESSAGES and LANG that names
 /// one, looked up once ("C" and "POSIX" are English); a language without the table, or without the

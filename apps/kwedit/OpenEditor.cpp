@@ -77,7 +77,7 @@ int openEditor(int argc, char** argv, const KWEditArguments& arguments) {
     QCoreApplication::setOrganizationName(QStringLiteral("KWBase"));
     QCoreApplication::setApplicationName(QStringLiteral("kwedit"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KWEDIT_VERSION));
-    QGuiApplication::setDesktopFileName(QStringLiteral("kwedit"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.kwbase.kwedit"));
     QApplication application(argc, argv);
     // Numbers in documents and in what is exported have a point in every country.
     std::setlocale(LC_NUMERIC, "C");

@@ -32,6 +32,9 @@ KWEditWindow::KWEditWindow(KWEditSurroundings& surroundings)
     : _around(surroundings), _commands(new KWEditCommands(*this)) {
     setObjectName(QStringLiteral("window"));
     setAttribute(Qt::WA_DeleteOnClose);
+    QIcon icon(QStringLiteral(":/kwedit/kwedit-48.png"));
+    icon.addFile(QStringLiteral(":/kwedit/kwedit-256.png"));
+    setWindowIcon(icon);
     setAcceptDrops(true);
     setUnifiedTitleAndToolBarOnMac(true);
     makePanes();
