@@ -36,7 +36,8 @@ function(kw_unite target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "ALONE")
     if(KWBASE_UNITE)
         # Here one source shadows names of another, and what it keeps to itself seems part of a header.
-        target_compile_options(${target} PRIVATE -Wno-shadow -Wno-subobject-linkage)
+        target_compile_options(${target} PRIVATE
+            -Wno-shadow $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
         set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${KWBASE_UNITE})
         set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
     endif()
