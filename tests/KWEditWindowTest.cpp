@@ -465,6 +465,28 @@ TEST_F(KWEditWindowTest, EveryPartHasANameForAssistiveTechnology) {
     }
 }
 
+TEST_F(KWEditWindowTest, TheOnlyElementStaysSelectedThoughItHasNoRow) {
+    const QString path = folder.path("one.kwdoc");
+    {
+        KWDocument one;
+        const auto element = std::make_shared<KWElement>("Only");
+        const auto glow = std::make_shared<KWKeyFramedChannel>("glow");
+        glow->setValueForKeyframe(0, KWTime(0));
+        glow->setValueForKeyframe(1, KWTime(2));
+        element->addChannelToGroupNamed(glow, "Light");
+        one.addElement(element);
+        one.save(path.toStdString(), Form::binary);
+    }
+    open(path);
+    window->outline().outline().setFocus();
+    settle();
+    ASSERT_EQ(window->session().selectedElements().size(), 1U);
+    EXPECT_EQ(window->session().selectedElements().front(), element(0));
+    press("Ctrl+Alt+N");
+    EXPECT_EQ(document().model().elements().size(), 2U);
+    EXPECT_EQ(window->session().selectedElements().front(), element(1));
+}
+
 TEST_F(KWEditWindowTest, ADocumentOfAnotherProgramShowsItsChannels) {
     const QString path = QDir(QString::fromLocal8Bit(std::getenv("KWBASE_TEST_DATA")))
                              .filePath(QStringLiteral("golden/lamp-little.archive"));

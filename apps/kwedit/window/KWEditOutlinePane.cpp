@@ -50,7 +50,7 @@ KWEditOutlinePane::KWEditOutlinePane(KWEditSession& session, std::span<QAction* 
         _controller.outlineModel()->setValuesNeedRefresh();
     });
     connect(&session, &KWEditSession::selectionChanged, this, &KWEditOutlinePane::followSelection);
-    connect(tree.selectionModel(), &QItemSelectionModel::currentChanged, this,
+    connect(tree.selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &KWEditOutlinePane::itemSelected);
     reload();
 }
@@ -106,7 +106,9 @@ void KWEditOutlinePane::itemSelected() {
         return;
     const QScopedValueRollback following(_isFollowing, true);
     const auto item = selectedItem();
-    _session.selectElement(elementOf(item));
+    // A single element has no row of its own that could be selected.
+    if (item || _controller.elements().size() != 1)
+        _session.selectElement(elementOf(item));
     if (const auto channel = std::dynamic_pointer_cast<KWChannel>(item))
         Q_EMIT channelSelected(channel);
 }
