@@ -66,7 +66,8 @@ TEST_F(KWEditEndToEndTest, ADocumentIsMadeUndoneRedoneSavedInThreeFormsAndReadAg
     const auto whole = bytes();
     ASSERT_GE(keyed("Sprite/Position/x")->keyframeCount(), 4U);
     ASSERT_GE(keyed("Star/Position/y")->keyframeCount(), 3U);
-    const auto turn = std::dynamic_pointer_cast<KWAlgebricChannel>(channel("Star/Position/rotation"));
+    const auto turn =
+        std::dynamic_pointer_cast<KWAlgebricChannel>(channel("Star/Position/rotation"));
     ASSERT_NE(turn, nullptr);
     EXPECT_EQ(turn->expression(), "2*sin(t)+0.5");
 
@@ -156,6 +157,8 @@ TEST_F(KWEditEndToEndTest, WhatAKilledEditorHadIsRecoveredAndItsFileUntouched) {
     questions.goesOn = {true};
     ASSERT_EQ(application.offerLeftovers(), 1);
     window = application.windows().constLast();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
     settle();
     EXPECT_TRUE(window->isWindowModified());
     EXPECT_EQ(document().filePath(), story);

@@ -371,7 +371,8 @@ TEST(KWInspector, ChannelsAreAddedForRolesAndOnesOfAnyName) {
     other->trigger();
     auto* const dialog = it.channels().findChild<KWNewChannelDialog*>();
     ASSERT_NE(dialog, nullptr);
-    QTest::keyClicks(dialog->findChild<QLineEdit*>(QStringLiteral("name")), QStringLiteral("dimming"));
+    QTest::keyClicks(dialog->findChild<QLineEdit*>(QStringLiteral("name")),
+                     QStringLiteral("dimming"));
     dialog->findChild<QComboBox*>(QStringLiteral("group"))->setEditText(QStringLiteral("Light"));
     dialog->findChild<QComboBox*>(QStringLiteral("unit"))->setCurrentIndex(2);
     dialog->accept();
