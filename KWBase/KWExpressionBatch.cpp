@@ -35,21 +35,36 @@ class Machine {
     void evaluate(const float* xs, float* values, std::size_t count) {
         _count = roundedUp(count);
         _x = xs;
-        std::fill_n(_faults.data(), _count, 0);
+        _hasFaults = false;
         if (_count == count) {
-            _kernels.finish(run(), _faults.data(), values, _count);
+            finish(run(), values);
             return;
         }
         std::copy_n(xs, count, _padded.data());
         std::fill(_padded.data() + count, _padded.data() + _count, xs[count - 1]);
         _x = _padded.data();
         float* result = run();
-        _kernels.finish(result, _faults.data(), result, _count);
+        finish(result, result);
         std::copy_n(result, count, values);
     }
 
   private:
     float* run();
+
+    void finish(const float* result, float* out) const {
+        if (_hasFaults)
+            _kernels.finish(result, _faults.data(), out, _count);
+        else
+            _kernels.finishWithoutFaults(result, out, _count);
+    }
+
+    /// For operations that can fail: of a block that has none of those, nothing is kept.
+    std::uint32_t* faults() {
+        if (!_hasFaults)
+            std::fill_n(_faults.data(), _count, 0);
+        _hasFaults = true;
+        return _faults.data();
+    }
 
     // How an operation that makes a new top or changes it is done.
 
@@ -58,7 +73,7 @@ class Machine {
     }
 
     void apply(KWExpressionKernels::UnaryWithFaults kernel, const float* a, float* out) {
-        kernel(a, out, _faults.data(), _count);
+        kernel(a, out, faults(), _count);
     }
 
     void apply(KWExpressionKernels::WithNumber kernel, const float* a, float number,
@@ -99,20 +114,21 @@ class Machine {
     /// Raises, where `base(k)` may be raised to `exponent(k)`.
     template <class Base, class Exponent>
     void raise(float* out, Base base, Exponent exponent) {
+        std::uint32_t* const marked = faults();
         for (std::size_t k = 0; k < _count; ++k) {
             if (base(k) < 0 && !KWExpressionIsWhole(exponent(k)))
-                _faults[k] = ~0u;
+                marked[k] = ~0u;
             else
                 out[k] = KWExpressionRaised(base(k), exponent(k));
         }
     }
 
     void divideBy(const float* a, const float* b, float* out) {
-        _kernels.divide(a, b, out, _faults.data(), _count);
+        _kernels.divide(a, b, out, faults(), _count);
     }
 
     void divideNumber(float number, const float* b, float* out) {
-        _kernels.divideNumberBy(b, number, out, _faults.data(), _count);
+        _kernels.divideNumberBy(b, number, out, faults(), _count);
     }
 
     /// Makes room below the top for a block.
@@ -129,6 +145,7 @@ class Machine {
     std::size_t _count = 0; ///< of the block at hand, rounded up
     const float* _x = nullptr;
     alignas(64) std::array<std::uint32_t, longestBlock> _faults;
+    bool _hasFaults = false; ///< whether those are kept for this block
     alignas(64) std::array<float, longestBlock> _padded;
     /// Begins with a block that stands for the top when nothing is stacked, and may need one at the
     /// end for a program that ends in a fault.

@@ -439,6 +439,12 @@ void finish(const float* a, const std::uint32_t* faults, float* out, std::size_t
     });
 }
 
+void finishWithoutFaults(const float* a, float* out, std::size_t count) {
+    const VS nan = hn::Set(S(), std::numeric_limits<float>::quiet_NaN());
+    map(a, out, count,
+        [=](VS value) HWY_ATTR { return hn::IfThenElse(hn::IsNaN(value), nan, value); });
+}
+
 } // namespace
 
 /// The kernels for one target.
@@ -463,6 +469,7 @@ const KWExpressionKernels* table() {
         .absolute = absolute,
         .checkLogarithm = checkLogarithm,
         .finish = finish,
+        .finishWithoutFaults = finishWithoutFaults,
         .sin = byFunction<Sine<0>>,
         .cos = byFunction<Sine<1>>,
         .exp = byFunction<Exp>,

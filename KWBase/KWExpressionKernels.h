@@ -16,7 +16,7 @@ struct KWExpressionLibrary {
 
 /// Operations on blocks of floats, by the vector instructions of one kind of processor. Each lane
 /// gets the bits that the plain operation gives for one float; of a NaN only that it is one is
-/// sure, but for `finish`.
+/// sure, but for those that finish.
 ///
 /// `count` is a multiple of KWExpressionKernels::step. `out` may be an operand. Operations that can
 /// fail set all bits of `faults` in the lanes that do, whose result then means nothing.
@@ -60,6 +60,8 @@ struct KWExpressionKernels {
     /// Puts 0 for the lanes with a fault, the quiet NaN 0x7fc00000 for every NaN, and copies the
     /// rest.
     void (*finish)(const float* a, const std::uint32_t* faults, float* out, std::size_t count);
+    /// The same where there are no faults.
+    Unary finishWithoutFaults;
 
     // These do what glibc's functions do, for every float; see KWExpressionChecked.
     Unary sin;
