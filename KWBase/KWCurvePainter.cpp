@@ -18,6 +18,11 @@ class BandClipper {
     BandClipper(double low, double high) : _low(low), _high(high) {}
 
     std::vector<Line> clip(std::span<const QPointF> points) {
+        const auto isInside = [this](const QPointF& point) {
+            return point.y() >= _low && point.y() <= _high && std::isfinite(point.x());
+        };
+        if (points.size() > 1 && std::all_of(points.begin(), points.end(), isInside))
+            return {Line(points.begin(), points.end())};
         const QPointF* before = nullptr;
         for (const QPointF& point : points) {
             if (!std::isfinite(point.y()) || !std::isfinite(point.x())) {

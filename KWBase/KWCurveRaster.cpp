@@ -1,4 +1,5 @@
 #include <KWBase/KWCurveRaster.h>
+#include <KWBase/KWFloat4.h>
 
 #include <QImage>
 #include <QPainter>
@@ -227,18 +228,25 @@ void KWCurveRaster::addEdgeInColumn(int column, float share, float low, float hi
 void KWCurveRaster::finishStrip(QPainter& painter) {
     if (_rows == 0)
         return;
+    static_assert(narrowestStrip % 4 == 0);
     float sums[widestStrip] = {};
-    int steps[widestStrip];
     float* shares = _shares.data();
     quint32* pixels = _image.data();
     for (int row = 0; row < _rows; ++row, shares += _width, pixels += _width) {
-        for (int i = 0; i < _width; ++i) {
-            sums[i] += shares[i];
-            shares[i] = 0;
-            steps[i] = static_cast<int>(std::min(std::fabs(sums[i]), 1.0f) * 255.0f + 0.5f);
+        for (int i = 0; i < _width; i += 4) {
+            const KWFloat4 sum = KWFloat4Load(sums + i) + KWFloat4Load(shares + i);
+            KWFloat4Store(sums + i, sum);
+            KWFloat4Store(shares + i, KWFloat4{});
+            const KWFloat4 size = sum < 0.0f ? -sum : sum;
+            const KWFloat4 share = size > 1.0f ? KWFloat4All(1.0f) : size;
+            const KWInt4 steps = __builtin_convertvector(share * 255.0f + 0.5f, KWInt4);
+            // Most pixels beside a line are empty, and those inside it full.
+            if (KWInt4Bits(steps != 0) == 0)
+                std::fill_n(pixels + i, 4, _pixels[0]);
+            else
+                for (int lane = 0; lane < 4; ++lane)
+                    pixels[i + lane] = _pixels[steps[lane]];
         }
-        for (int i = 0; i < _width; ++i)
-            pixels[i] = _pixels[steps[i]];
     }
     const QImage image(reinterpret_cast<const uchar*>(_image.data()), _width, _rows,
                        qsizetype{_width} * 4, QImage::Format_ARGB32_Premultiplied);
