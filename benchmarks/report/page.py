@@ -2,6 +2,7 @@
 
 import datetime
 import statistics
+import textwrap
 from dataclasses import dataclass
 
 import charts
@@ -72,6 +73,14 @@ def table(rows):
                f"{charts.time_text(row.peer_time)} | {words}{spread} | {wanted_text(row)} | {reached} |")
 
 
+def missed(rows):
+    """What limits the rows that miss their goals."""
+    for row in rows:
+        if row.is_reached is False and row.goal.limit:
+            yield from textwrap.wrap(f"*{row.goal.what}*: {row.ratio:.2f} is reached. {row.goal.limit}", 100)
+            yield ""
+
+
 def measured_on(build, rounds):
     name, flags = machine.read_cpu()
     yield f"- {name}; {', '.join(flags)}"
@@ -111,6 +120,7 @@ def write(docs, build, rows, taken, counts, counters):
         if section.note:
             lines += [section.note, ""]
         lines += [*table(own), ""]
+        lines += missed(own)
         if section.title == "Curves" and "bytes per key" in counters:
             lines += [f"A key takes {counters['bytes per key']:.0f} bytes, with the index that reading "
                       "makes; its time, value and shape alone are 44.", ""]
