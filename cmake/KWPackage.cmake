@@ -33,9 +33,9 @@ set(CPACK_DEBIAN_KWCHANNEL_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_KWCHANNEL_PACKAGE_RECOMMENDS fonts-dejavu-core)
 set(CPACK_DEBIAN_KWCHANNEL_DESCRIPTION
 "animation channels on the command line
- kwchannel inspects, evaluates, bakes, draws, converts, validates and
- edits documents of animation channels: functions of time that are
- constant, curves through keys, or expressions.")
+kwchannel inspects, evaluates, bakes, draws, converts, validates and
+edits documents of animation channels: functions of time that are
+constant, curves through keys, or expressions.")
 
 set(CPACK_DEBIAN_KWEDIT_PACKAGE_NAME kwedit)
 set(CPACK_DEBIAN_KWEDIT_PACKAGE_SECTION graphics)
@@ -43,9 +43,9 @@ set(CPACK_DEBIAN_KWEDIT_PACKAGE_RECOMMENDS
     "ffmpeg, qt6-image-formats-plugins, libqt6svg6, fonts-dejavu-core")
 set(CPACK_DEBIAN_KWEDIT_DESCRIPTION
 "editor and renderer of animated sprites
- KWEdit edits documents of sprites whose numbers are animated by keys,
- curves and expressions, and renders their frames and movies, also
- without a screen.")
+KWEdit edits documents of sprites whose numbers are animated by keys,
+curves and expressions, and renders their frames and movies, also
+without a screen.")
 
 # What the headers show and what the static libraries are linked with.
 set(packagesOfDevelopment libexpat1-dev libhwy-dev)
@@ -61,9 +61,9 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 "animatable parameters for C++ hosts
- KWBase gives C++ programs channels: functions of time that are constant,
- curves through keys, or expressions, with undo and archives, and with
- Qt views that draw and edit them.")
+KWBase gives C++ programs channels: functions of time that are constant,
+curves through keys, or expressions, with undo and archives, and with
+Qt views that draw and edit them.")
 
 # The texts that Debian wants beside each package, and manual pages as it wants them.
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/DebianTexts.cmake)

@@ -60,7 +60,7 @@ for command in (["desktop-file-validate", str(share / f"applications/{applicatio
 # The manual pages hold together: what the formatter warns of is a fault.
 if shutil.which("groff"):
     for page in sorted((share / "man/man1").glob("*.1")):
-        done = subprocess.run(["groff", "-man", "-Tutf8", "-ww", "-z", str(page)], text=True,
+        done = subprocess.run(["groff", "-Kutf8", "-man", "-Tutf8", "-ww", "-z", str(page)], text=True,
                               capture_output=True)
         expect(not done.stderr, f"{page}: {done.stderr}")
 
