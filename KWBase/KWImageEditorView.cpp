@@ -14,7 +14,7 @@ namespace {
 constexpr double zoomLimit = 1e6;
 
 QString sentence(const QString& file, const QString& reason) {
-    return QStringLiteral("The image \u201c%1\u201d cannot be shown: %2.")
+    return KWImageEditorView::tr("The image \u201c%1\u201d cannot be shown: %2.")
         .arg(QFileInfo(file).fileName(), reason);
 }
 
@@ -120,7 +120,7 @@ QImage KWImageEditorView::imageWithFile(const QString& file, QString* error) {
     QString reason;
     QImage image;
     if (QFileInfo(file).exists() && !QFileInfo(file).isFile())
-        reason = QStringLiteral("it is not a file");
+        reason = tr("it is not a file");
     else {
         QImageReader reader(file);
         reader.setAutoTransform(true);

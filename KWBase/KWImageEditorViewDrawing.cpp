@@ -125,7 +125,7 @@ void KWImageEditorView::uploadImage() {
         return;
     _pictures->isStillWanted = false;
     if (!_pictures->still.upload(_image))
-        sendError(QStringLiteral("The image of %1 x %2 pixels is too large for OpenGL here.")
+        sendError(tr("The image of %1 x %2 pixels is too large for OpenGL here.")
                       .arg(_image.width())
                       .arg(_image.height()));
 }
@@ -142,7 +142,7 @@ void KWImageEditorView::uploadMovie() {
         held = std::unique_lock(*lock);
     _pictures->frameTime = frame.time;
     if (!_pictures->frame.upload(frame.image))
-        sendError(QStringLiteral("The movie of %1 x %2 pixels is too large for OpenGL here.")
+        sendError(tr("The movie of %1 x %2 pixels is too large for OpenGL here.")
                       .arg(frame.image.width())
                       .arg(frame.image.height()));
 }

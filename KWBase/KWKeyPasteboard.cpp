@@ -93,13 +93,14 @@ class Reader {
 };
 
 std::optional<KWCopiedKeys> keysFromBytes(const QByteArray& bytes, QString& fault) {
-    fault = sentence("The keys on the clipboard are damaged.");
+    fault = sentence(QT_TRANSLATE_NOOP("KWKeyCommands", "The keys on the clipboard are damaged."));
     Reader reader(bytes);
     const auto start = reader.take(signature.size());
     if (start.empty() || std::memcmp(start.data(), signature.data(), signature.size()) != 0)
         return std::nullopt;
     if (reader.takeNumber() != version && !reader.isShort()) {
-        fault = sentence("The keys on the clipboard are from another version of the program.");
+        fault = sentence(QT_TRANSLATE_NOOP(
+            "KWKeyCommands", "The keys on the clipboard are from another version of the program."));
         return std::nullopt;
     }
     KWCopiedKeys copied;
@@ -183,21 +184,26 @@ std::optional<KWCopiedKeys> keysFromText(const std::string& text, QString& fault
         if (std::exchange(isFirst, false) && columns && !time && !value && !left.empty())
             continue;
         if (!time || !value) {
-            fault = sentence("Line %1 on the clipboard is not a time and a value.").arg(number);
+            fault =
+                sentence(QT_TRANSLATE_NOOP("KWKeyCommands",
+                                           "Line %1 on the clipboard is not a time and a value."))
+                    .arg(number);
             return std::nullopt;
         }
         const auto seconds = static_cast<float>(*time);
         const auto shown = static_cast<float>(*value);
         if (!std::isfinite(seconds) || !std::isfinite(shown)) {
-            fault =
-                sentence("Line %1 on the clipboard has a number that is too large.").arg(number);
+            fault = sentence(QT_TRANSLATE_NOOP(
+                                 "KWKeyCommands",
+                                 "Line %1 on the clipboard has a number that is too large."))
+                        .arg(number);
             return std::nullopt;
         }
         copied.keys.push_back({seconds, shown, KWKeyFramedChannel::hermiteData()});
         copied.userValues.push_back(shown);
     }
     if (copied.keys.empty()) {
-        fault = sentence("There are no keys on the clipboard.");
+        fault = sentence(QT_TRANSLATE_NOOP("KWKeyCommands", "There are no keys on the clipboard."));
         return std::nullopt;
     }
     return copied;

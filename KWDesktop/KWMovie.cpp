@@ -1,6 +1,7 @@
 #include <KWDesktop/KWMovie.h>
 #include <KWDesktop/KWMoviePlayer.h>
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QPointer>
 #include <QTimer>
@@ -14,7 +15,7 @@ KWMovieClock::Wall now() {
 }
 
 QString sentence(const QString& file, const QString& reason) {
-    return QStringLiteral("The movie \u201c%1\u201d cannot be shown: %2.")
+    return QCoreApplication::translate("KWMovie", "The movie \u201c%1\u201d cannot be shown: %2.")
         .arg(QFileInfo(file).fileName(), reason);
 }
 
@@ -212,7 +213,9 @@ KWMovieFrame KWMovie::frameAt(double time) const {
                                               _state->isCancelled, reason);
     const KWDecodedFrame* const frame = single.decoder ? single.decoder->frameAt(time) : nullptr;
     if (!frame) {
-        noteFault(reason.isEmpty() ? QStringLiteral("no frame can be decoded") : reason);
+        noteFault(reason.isEmpty()
+                      ? QCoreApplication::translate("KWMovie", "no frame can be decoded")
+                      : reason);
         return {};
     }
     if (!single.converter)
@@ -220,7 +223,7 @@ KWMovieFrame KWMovie::frameAt(double time) const {
     if (!single.last || single.last.time != frame->time)
         single.last = {single.converter->imageOfFrame(*frame->frame), frame->time};
     if (!single.last)
-        noteFault(QStringLiteral("its frames cannot be converted"));
+        noteFault(QCoreApplication::translate("KWMovie", "its frames cannot be converted"));
     else if (!single.decoder->fault().isEmpty())
         noteFault(single.decoder->fault());
     return single.last;

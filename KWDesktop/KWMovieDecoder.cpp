@@ -1,5 +1,6 @@
 #include <KWDesktop/KWLibav.h>
 
+#include <QCoreApplication>
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -99,7 +100,8 @@ void KWMovieDecoder::noteEarlyEnd() {
     constexpr double seconds = 0.5;
     constexpr double part = 0.1;
     if (_description.duration - end > std::max(seconds, part * _description.duration))
-        _fault = QStringLiteral("it is cut off after %1 s").arg(end, 0, 'f', 2);
+        _fault =
+            QCoreApplication::translate("KWMovie", "it is cut off after %1 s").arg(end, 0, 'f', 2);
 }
 
 void KWMovieDecoder::step() {
@@ -209,7 +211,7 @@ void KWMovieDecoder::noteFault(int code) {
     if (!_fault.isEmpty() || _isCancelled)
         return;
     const double time = _next ? _next.time : _current ? _current.time : 0;
-    _fault = QStringLiteral("it is damaged after %1 s: %2")
+    _fault = QCoreApplication::translate("KWMovie", "it is damaged after %1 s: %2")
                  .arg(QString::number(time, 'f', 2), KWLibavText(code));
 }
 

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
@@ -28,11 +29,11 @@ std::shared_ptr<const KWMovieFile> KWMovieFile::open(const QString& path, QStrin
         new KWMovieFile(descriptor, QFileInfo(path).fileName()));
     struct stat status {};
     if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
-        reason = QStringLiteral("it is not a file");
+        reason = QCoreApplication::translate("KWMovie", "it is not a file");
         return nullptr;
     }
     if (status.st_size == 0) {
-        reason = QStringLiteral("the file is empty");
+        reason = QCoreApplication::translate("KWMovie", "the file is empty");
         return nullptr;
     }
     return file;

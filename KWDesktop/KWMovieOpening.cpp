@@ -5,6 +5,7 @@ extern "C" {
 #include <libavutil/mem.h>
 }
 
+#include <QCoreApplication>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -150,8 +151,9 @@ bool KWMovieDecoder::openInput(QString& reason) {
     // Without a name: what the file is, its contents tell.
     int code = avformat_open_input(&format, nullptr, nullptr, nullptr);
     if (code < 0) {
-        reason = code == AVERROR_INVALIDDATA ? QStringLiteral("no movie is recognised in it")
-                                             : KWLibavText(code);
+        reason = code == AVERROR_INVALIDDATA
+                     ? QCoreApplication::translate("KWMovie", "no movie is recognised in it")
+                     : KWLibavText(code);
         return false;
     }
     _av->format.reset(format);
@@ -159,7 +161,7 @@ bool KWMovieDecoder::openInput(QString& reason) {
     if (code >= 0)
         code = av_find_best_stream(format, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     if (code < 0 || (format->streams[code]->disposition & AV_DISPOSITION_ATTACHED_PIC)) {
-        reason = QStringLiteral("it has no video");
+        reason = QCoreApplication::translate("KWMovie", "it has no video");
         return false;
     }
     _av->stream = format->streams[code];
@@ -174,8 +176,9 @@ bool KWMovieDecoder::openCodec(QString& reason) {
     const AVCodec* const found = avcodec_find_decoder(parameters.codec_id);
     if (!found) {
         reason = parameters.codec_id == AV_CODEC_ID_NONE
-                     ? QStringLiteral("its video is of an unknown kind")
-                     : QStringLiteral("there is no decoder for its video, which is %1")
+                     ? QCoreApplication::translate("KWMovie", "its video is of an unknown kind")
+                     : QCoreApplication::translate("KWMovie",
+                                                   "there is no decoder for its video, which is %1")
                            .arg(QString::fromLatin1(avcodec_get_name(parameters.codec_id)));
         return false;
     }
@@ -197,7 +200,7 @@ bool KWMovieDecoder::openCodec(QString& reason) {
     }
     if (code < 0) {
         reason =
-            QStringLiteral("its video, which is %1, cannot be decoded: %2")
+            QCoreApplication::translate("KWMovie", "its video, which is %1, cannot be decoded: %2")
                 .arg(QString::fromLatin1(avcodec_get_name(parameters.codec_id)), KWLibavText(code));
         return false;
     }
@@ -211,14 +214,15 @@ bool KWMovieDecoder::openCodec(QString& reason) {
 bool KWMovieDecoder::decodeFirstFrame(QString& reason) {
     const AVRational base = _av->stream->time_base;
     if (base.num <= 0 || base.den <= 0) {
-        reason = QStringLiteral("its video has no times");
+        reason = QCoreApplication::translate("KWMovie", "its video has no times");
         return false;
     }
     _av->packetsLeft = hopelessPackets;
     _next = decode();
     _av->packetsLeft = -1;
     if (!_next) {
-        reason = QStringLiteral("its video, which is %1, has no frame that can be decoded")
+        reason = QCoreApplication::translate(
+                     "KWMovie", "its video, which is %1, has no frame that can be decoded")
                      .arg(QString::fromLatin1(avcodec_get_name(_av->stream->codecpar->codec_id)));
         return false;
     }

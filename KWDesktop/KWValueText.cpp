@@ -75,12 +75,15 @@ std::string KWValueTextFault(const std::string& text, std::int32_t unitType) {
         return QCoreApplication::translate("KWValueText", pattern).arg(shown).toStdString();
     };
     if (isWellFormed(scanned, unitType))
-        return sentence("\u201c%1\u201d is too large.");
+        return sentence(QT_TRANSLATE_NOOP("KWValueText", "\u201c%1\u201d is too large."));
     if (!scanned.isThere)
-        return sentence("\u201c%1\u201d is not a number.");
+        return sentence(QT_TRANSLATE_NOOP("KWValueText", "\u201c%1\u201d is not a number."));
     if (scanned.run.starts_with(','))
-        return sentence("\u201c%1\u201d is not a number: the decimal sign is a point.");
+        return sentence(QT_TRANSLATE_NOOP(
+            "KWValueText", "\u201c%1\u201d is not a number: the decimal sign is a point."));
     if (!KWFormatterForUnitType(unitType))
-        return sentence("\u201c%1\u201d is not a number alone, and this value has no unit.");
-    return sentence("\u201c%1\u201d is not a number with a known unit.");
+        return sentence(QT_TRANSLATE_NOOP(
+            "KWValueText", "\u201c%1\u201d is not a number alone, and this value has no unit."));
+    return sentence(
+        QT_TRANSLATE_NOOP("KWValueText", "\u201c%1\u201d is not a number with a known unit."));
 }

@@ -6,6 +6,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -70,7 +71,8 @@ KWEditAutosave::~KWEditAutosave() {
 
 std::shared_ptr<KWEditAutosave> KWEditAutosave::create(const QString& folder, QString* error) {
     if (!QDir().mkpath(folder)) {
-        say(error, QStringLiteral("%1: the folder cannot be made").arg(folder));
+        say(error, QCoreApplication::translate("KWEditAutosave", "%1: the folder cannot be made")
+                       .arg(folder));
         return nullptr;
     }
     // Nobody else needs to read what somebody works on.

@@ -34,7 +34,7 @@ bool isProtected(const QString& path) {
 
 std::unique_ptr<KWDocument> newModel() {
     auto model = std::make_unique<KWDocument>();
-    const auto stage = std::make_shared<KWElement>("Stage");
+    const auto stage = std::make_shared<KWElement>(KWEditDocument::tr("Stage").toStdString());
     KWStage settings;
     settings.backdrop = KWStage::Backdrop::plain;
     stage->setAttributes(settings.appliedTo(*stage));
@@ -132,7 +132,7 @@ bool KWEditDocument::writeTo(const QString& path, Form form, QString* error) con
     try {
         const KWConversionLosses losses = kwConversionLosses(*_model, form);
         if (!losses.refusals.empty())
-            return fail(error, QStringLiteral("%1: it cannot be written in this form: %2")
+            return fail(error, tr("%1: it cannot be written in this form: %2")
                                    .arg(path, QString::fromStdString(losses.refusals.front())));
         KWWriteFileAtomically(systemPath(path), _model->data(form));
         return true;
@@ -143,12 +143,11 @@ bool KWEditDocument::writeTo(const QString& path, Form form, QString* error) con
 
 bool KWEditDocument::save(QString* error, bool replacesChanged) {
     if (_filePath.isEmpty())
-        return fail(error, QStringLiteral("the document has no file yet"));
+        return fail(error, tr("the document has no file yet"));
     if (_isReadOnly)
-        return fail(error, QStringLiteral("%1: the document is read-only").arg(_filePath));
+        return fail(error, tr("%1: the document is read-only").arg(_filePath));
     if (!replacesChanged && hasFileChanged())
-        return fail(error,
-                    QStringLiteral("%1: another program has changed the file").arg(_filePath));
+        return fail(error, tr("%1: another program has changed the file").arg(_filePath));
     if (!writeTo(_filePath, _form, error))
         return false;
     noteFileStamp();

@@ -30,7 +30,7 @@ KWFrameJob KWEditExporter::jobOf(const KWEditDocument& document, qint64 first, q
 
 bool KWEditExporter::start(Work work, QString* error) {
     if (_isRunning)
-        return fail(error, QStringLiteral("another export is under way"));
+        return fail(error, tr("another export is under way"));
     if (_thread.joinable())
         _thread.join();
     _isRunning = true;

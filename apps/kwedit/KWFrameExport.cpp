@@ -7,6 +7,7 @@
 #include <apps/kwedit/KWFrameThreads.h>
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -26,6 +27,10 @@ std::filesystem::path systemPath(const QString& path) {
                          reason.toStdString());
 }
 
+QString sentence(const char* text) {
+    return QCoreApplication::translate("KWFrameExport", text);
+}
+
 QByteArray png(const QImage& image) {
     QByteArray bytes;
     QBuffer buffer(&bytes);
@@ -33,7 +38,9 @@ QByteArray png(const QImage& image) {
     // Packed a little less than at the best, in a fifth of the time.
     constexpr int quality = 70;
     if (!image.save(&buffer, "PNG", quality))
-        throw DataError("a frame could not be packed as PNG");
+        throw DataError(
+            sentence(QT_TRANSLATE_NOOP("KWFrameExport", "a frame could not be packed as PNG"))
+                .toStdString());
     return bytes;
 }
 
@@ -106,8 +113,9 @@ class MovieWriter {
         : _target(target) {
         const QString program = kwMovieProgram();
         if (program.isEmpty())
-            cannotWrite(target,
-                        QStringLiteral("the program ffmpeg, which makes movies, is not here"));
+            cannotWrite(target, sentence(QT_TRANSLATE_NOOP(
+                                    "KWFrameExport",
+                                    "the program ffmpeg, which makes movies, is not here")));
         _process.setStandardOutputFile(QProcess::nullDevice());
         _process.start(program, movieArguments(size, rate, file));
         if (!_process.waitForStarted(-1))
@@ -138,9 +146,10 @@ class MovieWriter {
     [[noreturn]] void fail() {
         _process.waitForFinished(1000);
         const QString said = QString::fromLocal8Bit(_process.readAllStandardError()).trimmed();
-        cannotWrite(_target, said.isEmpty() ? QStringLiteral("ffmpeg failed")
-                                            : QStringLiteral("ffmpeg: ") +
-                                                  said.section(QLatin1Char('\n'), 0, 0));
+        cannotWrite(_target,
+                    said.isEmpty()
+                        ? sentence(QT_TRANSLATE_NOOP("KWFrameExport", "ffmpeg failed"))
+                        : QStringLiteral("ffmpeg: ") + said.section(QLatin1Char('\n'), 0, 0));
     }
 
     QString _target;
@@ -158,7 +167,8 @@ QString kwFrameFileName(const QString& name, qint64 frame) {
 bool kwExportFrames(const KWFrameJob& job, const QString& directory, const QString& name,
                     bool skipsExisting, const KWExportWatch& watch) {
     if (!QDir().mkpath(directory))
-        cannotWrite(directory, QStringLiteral("the folder cannot be made"));
+        cannotWrite(directory,
+                    sentence(QT_TRANSLATE_NOOP("KWFrameExport", "the folder cannot be made")));
     const auto fileOf = [&](qint64 frame) {
         return QDir(directory).filePath(kwFrameFileName(name, frame));
     };

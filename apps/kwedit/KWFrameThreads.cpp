@@ -1,6 +1,7 @@
 #include <apps/common/Errors.h>
 #include <apps/kwedit/KWFrameThreads.h>
 
+#include <QCoreApplication>
 #include <algorithm>
 #include <map>
 #include <thread>
@@ -32,7 +33,9 @@ QImage KWFrameThreads::draw(Worker& worker, qint64 frame) {
     const auto time = static_cast<float>(static_cast<double>(frame) / _rate);
     QImage image = worker.scene->frame(KWTime(time), _size);
     if (image.isNull())
-        throw DataError("there is no memory for a frame of that size");
+        throw DataError(QCoreApplication::translate("KWFrameExport",
+                                                    "there is no memory for a frame of that size")
+                            .toStdString());
     const QStringList problems = worker.scene->problems();
     const std::lock_guard lock(_mutex);
     for (; worker.told < problems.size(); ++worker.told)

@@ -1,5 +1,6 @@
 #include <apps/kwedit/KWSpriteChannels.h>
 
+#include <QCoreApplication>
 #include <cmath>
 #include <exception>
 
@@ -82,7 +83,8 @@ void KWSpriteChannels::evaluate(KWTime time, Values& values, QStringList& proble
                 values[static_cast<std::size_t>(bound.role)] = value;
         } catch (const std::exception& error) {
             if (!bound.isBroken)
-                problems << QStringLiteral("%1, channel %2: it cannot be evaluated: %3")
+                problems << QCoreApplication::translate(
+                                "KWSprite", "%1, channel %2: it cannot be evaluated: %3")
                                 .arg(QString::fromStdString(_element),
                                      QString::fromStdString(bound.channel->name()),
                                      QString::fromUtf8(error.what()));

@@ -3,6 +3,7 @@
 #include <apps/kwedit/KWSpritePictures.h>
 #include <apps/kwedit/KWSpriteShapes.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
@@ -76,7 +77,7 @@ QString KWSpritePictures::absolutePath(const QString& file) const {
 void KWSpritePictures::loadInto(File& entry, const QString& file) {
     entry.path = absolutePath(file);
     if (!QFileInfo(entry.path).isFile()) {
-        _problems << QStringLiteral("%1: there is no such file").arg(file);
+        _problems << QCoreApplication::translate("KWSprite", "%1: there is no such file").arg(file);
         return;
     }
     QImageReader::setAllocationLimit(largestPictureMegabytes);

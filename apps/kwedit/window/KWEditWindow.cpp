@@ -158,11 +158,12 @@ void KWEditWindow::updateCommands() {
         return;
     const KWEditDocument& document = _session.document();
     const bool isFree = !_session.isGestureActive();
-    const auto name = [](const QString& verb, const QString& step) {
-        return step.isEmpty() ? verb : verb + QLatin1Char(' ') + step;
-    };
-    _commands->action("edit.undo")->setText(name(tr("&Undo"), document.undoName()));
-    _commands->action("edit.redo")->setText(name(tr("&Redo"), document.redoName()));
+    const QString undone = document.undoName();
+    const QString redone = document.redoName();
+    _commands->action("edit.undo")
+        ->setText(undone.isEmpty() ? tr("&Undo") : tr("&Undo %1").arg(undone));
+    _commands->action("edit.redo")
+        ->setText(redone.isEmpty() ? tr("&Redo") : tr("&Redo %1").arg(redone));
     _commands->setEnabled("edit.undo", document.canUndo() && isFree);
     _commands->setEnabled("edit.redo", document.canRedo() && isFree);
     _commands->setEnabled("edit.cancel", !isFree);

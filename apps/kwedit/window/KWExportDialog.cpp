@@ -19,7 +19,8 @@ namespace {
 QString timeText(double seconds) {
     const auto whole = static_cast<qint64>(seconds + 0.5);
     if (whole < 60)
-        return KWExportDialog::tr("%n second(s) left", nullptr, static_cast<int>(whole));
+        return whole == 1 ? KWExportDialog::tr("1 second left")
+                          : KWExportDialog::tr("%n seconds left", nullptr, static_cast<int>(whole));
     return KWExportDialog::tr("%1:%2 minutes left")
         .arg(whole / 60)
         .arg(whole % 60, 2, 10, QLatin1Char('0'));

@@ -126,8 +126,7 @@ void KWKeyEntryPanel::addFields() {
     _frame->setAccessibleName(tr("Frame"));
     _time = new KWKeyEntryField(QStringLiteral("-0000.000"), this);
     _value = new KWKeyEntryField(QStringLiteral("-0000.000 mm"), this);
-    addField(_time, tr("Time"),
-             tr("In seconds, or frames as in \u201c12f\u201d; \u201c+=0.5\u201d moves each key"));
+    addField(_time, tr("Time"), tr("In seconds, or frames as in “12f”; “+=0.5” moves each key"));
     addField(_value, tr("Value"), tr("\u201c+=0.5\u201d moves each key"));
     const QString names[] = {tr("Tension"), tr("Bias"), tr("Continuity")};
     const QString toolTips[] = {tr("1 is tight, 0 is smooth, -1 is round"),
