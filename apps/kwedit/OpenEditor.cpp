@@ -2,6 +2,7 @@
 #include <apps/common/Output.h>
 #include <apps/common/Text.h>
 #include <apps/kwedit/OpenEditor.h>
+#include <apps/kwedit/window/KWEditAppearance.h>
 #include <apps/kwedit/window/KWEditApplication.h>
 #include <apps/kwedit/window/KWEditLanguage.h>
 
@@ -42,7 +43,8 @@ int drawScreenshot(const KWEditArguments& arguments) {
                              ? QString()
                              : QFile::decodeName(arguments.documents.front().c_str());
     QString error;
-    if (kwDrawWindow(path, QFile::decodeName(arguments.screenshot.c_str()), *size, &error))
+    if (kwDrawWindow(path, QFile::decodeName(arguments.screenshot.c_str()), *size, &error,
+                     arguments.isTour ? KWDrawnWindow::withTour : KWDrawnWindow::plain))
         return exitDone;
     complain(printable(error.toStdString()));
     return exitBadData;
@@ -89,5 +91,10 @@ int openEditor(int argc, char** argv, const KWEditArguments& arguments) {
                          : settings.value(QStringLiteral("language")).toString())
             : QString::fromStdString(arguments.language);
     KWEditLanguage::install(application, language);
+    const QString appearance =
+        isPicture ? QString() : settings.value(QStringLiteral("appearance")).toString();
+    KWEditAppearance::named(arguments.palette.empty() ? appearance
+                                                      : QString::fromStdString(arguments.palette))
+        .apply();
     return isPicture ? drawScreenshot(arguments) : runWindows(arguments, settings);
 }

@@ -18,6 +18,7 @@ struct KWEditArguments {
     std::string filmstrip;
     std::string screenshot;
     std::string language;
+    std::string palette;
     bool isTour = false;
 };
 

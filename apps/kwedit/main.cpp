@@ -69,6 +69,11 @@ void declare(CommandLine& program, KWEditArguments& arguments) {
                 "of the menus: en, de or fr; otherwise as set in them, or the system's")
         .shownAs("CODE")
         .oneOf({"en", "de", "fr"});
+    program
+        .option("--palette", arguments.palette,
+                "of the window: light or dark; otherwise as set in the View menu, or the system's")
+        .shownAs("NAME")
+        .oneOf({"light", "dark"});
     program.flag("--tour", arguments.isTour, "walks through one edit");
     program.setExamples("kwedit ball.kwdoc\n"
                         "kwedit --render ball.kwdoc --frames 0-99 -o frames\n"

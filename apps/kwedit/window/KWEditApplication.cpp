@@ -79,7 +79,8 @@ int KWEditApplication::offerLeftovers() {
     return count;
 }
 
-bool kwDrawWindow(const QString& path, const QString& picture, const QSize& size, QString* error) {
+bool kwDrawWindow(const QString& path, const QString& picture, const QSize& size, QString* error,
+                  KWDrawnWindow drawn) {
     // A picture of a window asks nothing, and leaves nothing behind.
     struct Silence final : KWEditQuestions {
         void complain(QWidget*, const QString& text, const QString& reason) override {
@@ -103,10 +104,12 @@ bool kwDrawWindow(const QString& path, const QString& picture, const QSize& size
         return false;
     }
     window->session().refresh();
+    if (drawn == KWDrawnWindow::withTour)
+        window->startTour();
     for (int pass = 0; pass < 8; ++pass)
         QCoreApplication::processEvents();
     if (!window->grab().save(picture)) {
-        *error = QStringLiteral("%1: the picture cannot be written").arg(picture);
+        *error = KWEditApplication::tr("%1: the picture cannot be written").arg(picture);
         return false;
     }
     return true;

@@ -36,6 +36,10 @@ class KWEditApplication : public QObject {
     QList<QPointer<KWEditWindow>> _windows;
 };
 
+/// What is to be seen in a picture of a window: with the first bubble of the tour, or without.
+enum class KWDrawnWindow { plain, withTour };
+
 /// Draws the window on a document, as it looks when it has been opened, into a PNG. No screen is
 /// needed. False, and the reason, when the document cannot be opened or the file not be written.
-bool kwDrawWindow(const QString& path, const QString& picture, const QSize& size, QString* error);
+bool kwDrawWindow(const QString& path, const QString& picture, const QSize& size, QString* error,
+                  KWDrawnWindow drawn = KWDrawnWindow::plain);

@@ -95,6 +95,7 @@ class KWEditWindow : public QMainWindow {
     void fillRecentFiles();
     void fillShapes();
     void fillDrawings();
+    void fillAppearances();
     void fillLanguages();
 
     void updateTitle();

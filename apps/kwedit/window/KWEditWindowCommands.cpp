@@ -3,6 +3,7 @@
 #include <KWBase/KWConstantChannel.h>
 #include <KWBase/KWKeyCommands.h>
 
+#include <apps/kwedit/window/KWEditAppearance.h>
 #include <apps/kwedit/window/KWEditCurvesPane.h>
 #include <apps/kwedit/window/KWEditLanguage.h>
 #include <apps/kwedit/window/KWEditOutlinePane.h>
@@ -120,7 +121,7 @@ void KWEditWindow::fillShapes() {
     for (const QString& shape : shapes) {
         const QString title = KWElementInspector::shapeTitle(shape);
         QAction* const action = _commands->submenu("element.shape")->addAction(title);
-        action->setIcon(KWElementInspector::shapeIcon(shape, palette().color(QPalette::Text)));
+        action->setIcon(KWElementInspector::shapeIcon(shape, QColor(0x80, 0x90, 0xa8)));
         connect(action, &QAction::triggered, this, [this, shape, title] {
             KWSpriteContent content;
             content.kind = KWSpriteContent::Kind::shape;
@@ -251,6 +252,7 @@ void KWEditWindow::connectViewCommands() {
         setWindowState(windowState().setFlag(Qt::WindowFullScreen, isOn));
     });
     fillDrawings();
+    fillAppearances();
     fillLanguages();
 }
 
@@ -287,6 +289,26 @@ void KWEditWindow::fillDrawings() {
                 tell(tr("OpenGL does not work here."));
         });
         ++index;
+    }
+}
+
+void KWEditWindow::fillAppearances() {
+    auto* const group = new QActionGroup(this);
+    const QString setting = QStringLiteral("appearance");
+    QMenu* const menu = _commands->submenu("view.appearance");
+    for (const KWEditAppearance& appearance : KWEditAppearance::all()) {
+        QAction* const action = menu->addAction(appearance.title());
+        action->setCheckable(true);
+        group->addAction(action);
+        connect(action, &QAction::triggered, this, [this, setting, appearance] {
+            _around.settings.setValue(setting, appearance.name());
+            appearance.apply();
+        });
+        // It may have been chosen in another window.
+        connect(menu, &QMenu::aboutToShow, action, [this, setting, appearance, action] {
+            const QString name = _around.settings.value(setting).toString();
+            action->setChecked(KWEditAppearance::named(name) == appearance);
+        });
     }
 }
 
