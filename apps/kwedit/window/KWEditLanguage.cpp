@@ -1,3 +1,5 @@
+#include <KWFoundation/KWBundle.h>
+
 #include <apps/kwedit/window/KWEditLanguage.h>
 
 #include <QCoreApplication>
@@ -18,15 +20,19 @@ QList<KWEditLanguage> KWEditLanguage::all() {
 }
 
 void KWEditLanguage::install(QCoreApplication& application, const QString& code) {
+    const QString translators = QStringLiteral("kweditTranslator");
+    qDeleteAll(application.findChildren<QTranslator*>(translators, Qt::FindDirectChildrenOnly));
+    KWBundle::frameworkBundle().setLanguage(code.toStdString());
     const QString name = code.isEmpty() ? QLocale::system().name() : code;
     if (name.startsWith(QLatin1String("en")))
         return;
+    const auto add = [&](const QString& file, const QString& folder) {
+        auto* const translator = new QTranslator(&application);
+        translator->setObjectName(translators);
+        if (translator->load(file, folder))
+            QCoreApplication::installTranslator(translator);
+    };
     // Qt's own texts, such as those of buttons, where they are installed.
-    auto* const ofQt = new QTranslator(&application);
-    if (ofQt->load(QStringLiteral("qtbase_") + name,
-                   QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QCoreApplication::installTranslator(ofQt);
-    auto* const own = new QTranslator(&application);
-    if (own->load(QStringLiteral(":/translations/kwedit_") + name))
-        QCoreApplication::installTranslator(own);
+    add(QStringLiteral("qtbase_") + name, QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+    add(QStringLiteral("kwedit_") + name, QStringLiteral(":/translations"));
 }

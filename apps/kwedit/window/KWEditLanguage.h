@@ -14,7 +14,7 @@ struct KWEditLanguage {
 
     /// The system's, then each that there is a translation for.
     static QList<KWEditLanguage> all();
-    /// Installs the translations of a code into the application, for what is made from then on;
-    /// English where there is none.
+    /// Installs the translations of a code into the application, for what is made from then on, in
+    /// place of those that were; English where there is none. Names of units follow.
     static void install(QCoreApplication& application, const QString& code);
 };
