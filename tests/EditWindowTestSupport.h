@@ -43,6 +43,9 @@ class ScriptedQuestions final : public KWEditQuestions {
         asked << text;
         return take(goesOn, text.toUtf8().constData());
     }
+    Copy whatOfCopy(QWidget*, const QString&, const QString&) override {
+        return take(copies, "what of a copy");
+    }
     QString name(QWidget*, const QString&, const QString&, const QString&) override {
         return take(names, "a name");
     }
@@ -55,6 +58,7 @@ class ScriptedQuestions final : public KWEditQuestions {
     std::deque<QStringList> placed;
     std::deque<Unsaved> unsaved;
     std::deque<bool> goesOn;
+    std::deque<Copy> copies;
     std::deque<QString> names;
     QStringList asked;
     QStringList complaints;

@@ -154,7 +154,9 @@ TEST_F(KWEditEndToEndTest, WhatAKilledEditorHadIsRecoveredAndItsFileUntouched) {
         << killed.readAllStandardOutput().constData();
     EXPECT_EQ(contentsOf(story), original);
 
-    questions.goesOn = {true};
+    questions.copies = {KWEditQuestions::Copy::later};
+    ASSERT_EQ(application.offerLeftovers(), 0);
+    questions.copies = {KWEditQuestions::Copy::recover};
     ASSERT_EQ(application.offerLeftovers(), 1);
     window = application.windows().constLast();
     window->activateWindow();
@@ -170,6 +172,7 @@ TEST_F(KWEditEndToEndTest, WhatAKilledEditorHadIsRecoveredAndItsFileUntouched) {
     press("Ctrl+S");
     EXPECT_EQ(contentsOf(story), edited);
     EXPECT_EQ(application.offerLeftovers(), 0);
+    EXPECT_NE(window->curves().channel(), nullptr);
 }
 
 TEST_F(KWEditEndToEndTest, FramesValuesAndAMovieAreExportedAndACanceledOneLeavesNothing) {

@@ -400,7 +400,8 @@ TEST_F(KWEditWindowTest, TheTourGoesBackAndEndsWithEscape) {
     EXPECT_EQ(tour->step(), 0);
     tour->back();
     EXPECT_EQ(tour->step(), 0);
-    QTest::keyClick(tour, Qt::Key_Escape);
+    view().setFocus();
+    press("Escape");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(tour.isNull());
 }
@@ -463,6 +464,47 @@ TEST_F(KWEditWindowTest, EveryPartHasANameForAssistiveTechnology) {
         EXPECT_TRUE(isNamed || widget->inherits("QScrollArea") || widget->inherits("QMenuBar"))
             << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
     }
+}
+
+TEST_F(KWEditWindowTest, AClickOnARowOfTheListIsFollowedAtOnce) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    QTreeView& list = window->outline().outline();
+    auto* const model = static_cast<KWOutlineModel*>(list.model());
+    const auto click = [&](const std::shared_ptr<KWObject>& item) {
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                          list.visualRect(model->indexForItem(item)).center());
+        settle();
+    };
+    click(channel("Ball/Position/y"));
+    EXPECT_EQ(window->curves().channel(), channel("Ball/Position/y"));
+    click(element(1));
+    EXPECT_EQ(window->session().selectedElements().front(), element(1));
+    click(channel("Ball/Position/x"));
+    EXPECT_EQ(window->curves().channel(), channel("Ball/Position/x"));
+    EXPECT_EQ(window->session().selectedElements().front(), element(0));
+}
+
+TEST_F(KWEditWindowTest, TheElementWithTheStageIsNotRemovedUnasked) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    select(element(1));
+    questions.goesOn = {false};
+    window->commands().action("element.remove")->trigger();
+    EXPECT_EQ(document().model().elements().size(), 2U);
+    questions.goesOn = {true};
+    window->commands().action("element.remove")->trigger();
+    EXPECT_EQ(document().model().elements().size(), 1U);
+}
+
+TEST_F(KWEditWindowTest, ReturnExports) {
+    open(samplePath("bouncing-ball.kwdoc"));
+    KWExportDialog* const dialog = window->showExport(KWExportDialog::Kind::values);
+    dialog->setDestination(folder.path("values.csv"));
+    dialog->setRange(0, 2);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
+    bool isDone = false;
+    QObject::connect(dialog, &KWExportDialog::exported, [&](bool done) { isDone = done; });
+    QTest::keyClick(dialog, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isDone; }, 60'000));
 }
 
 TEST_F(KWEditWindowTest, TheOnlyElementStaysSelectedThoughItHasNoRow) {

@@ -60,12 +60,12 @@ int KWEditApplication::offerLeftovers() {
                                  ? tr("a document without a name")
                                  : QFileInfo(leftover.documentPath).fileName();
         const QString time = QLocale().toString(leftover.time, QLocale::ShortFormat);
-        if (!_around.questions.mayGoOn(
-                nullptr, tr("Recover the changes to %1?").arg(name),
-                tr("kwedit ended before they were saved. The copy is of %1. Otherwise it is "
-                   "offered again the next time.")
-                    .arg(time),
-                tr("Recover")))
+        const auto answer = _around.questions.whatOfCopy(
+            nullptr, tr("Recover the changes to %1?").arg(name),
+            tr("kwedit ended before they were saved. The copy is of %1.").arg(time));
+        if (answer == KWEditQuestions::Copy::discard)
+            leftover.file->remove();
+        if (answer != KWEditQuestions::Copy::recover)
             continue;
         auto* const window = new KWEditWindow(_around);
         _windows << window;
@@ -90,6 +90,7 @@ bool kwDrawWindow(const QString& path, const QString& picture, const QSize& size
         bool mayGoOn(QWidget*, const QString&, const QString&, const QString&) override {
             return false;
         }
+        Copy whatOfCopy(QWidget*, const QString&, const QString&) override { return Copy::later; }
         QString complaint;
     };
     const QTemporaryDir folder;

@@ -94,6 +94,22 @@ bool KWEditQuestions::mayGoOn(QWidget* window, const QString& text, const QStrin
     return box.clickedButton() == yes;
 }
 
+KWEditQuestions::Copy KWEditQuestions::whatOfCopy(QWidget* window, const QString& text,
+                                                  const QString& detail) {
+    QMessageBox box(QMessageBox::Question, QStringLiteral("kwedit"), text, QMessageBox::NoButton,
+                    window);
+    box.setInformativeText(detail);
+    QPushButton* const recover = box.addButton(Text::tr("Recover"), QMessageBox::AcceptRole);
+    QPushButton* const discard = box.addButton(QMessageBox::Discard);
+    QPushButton* const later = box.addButton(Text::tr("Later"), QMessageBox::RejectRole);
+    box.setDefaultButton(recover);
+    box.setEscapeButton(later);
+    box.exec();
+    return box.clickedButton() == recover   ? Copy::recover
+           : box.clickedButton() == discard ? Copy::discard
+                                            : Copy::later;
+}
+
 QString KWEditQuestions::name(QWidget* window, const QString& title, const QString& label,
                               const QString& old) {
     bool isAccepted = false;

@@ -27,6 +27,9 @@ class KWEditQuestions {
     /// True for going on.
     virtual bool mayGoOn(QWidget* window, const QString& text, const QString& detail,
                          const QString& button);
+    /// What becomes of the copy of a document that a crash has left.
+    enum class Copy { recover, discard, later };
+    virtual Copy whatOfCopy(QWidget* window, const QString& text, const QString& detail);
     virtual QString name(QWidget* window, const QString& title, const QString& label,
                          const QString& old);
     virtual void complain(QWidget* window, const QString& text, const QString& reason);

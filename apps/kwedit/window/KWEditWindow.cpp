@@ -273,7 +273,9 @@ bool KWEditWindow::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
         const bool isPlain = !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
-        if (isPlain && usesKey(*widget, key->key())) {
+        // In the list of elements Space has nothing to do but to play.
+        const bool isToPlay = widget == &_outline->outline() && key->key() == Qt::Key_Space;
+        if (isPlain && !isToPlay && usesKey(*widget, key->key())) {
             event->accept();
             return true;
         }

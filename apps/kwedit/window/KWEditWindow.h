@@ -64,6 +64,7 @@ class KWEditWindow : public QMainWindow {
 
     void undo();
     void redo();
+    void addShape(const QString& name, const QString& shape);
     std::shared_ptr<KWElement> addSprite(const QString& name, const KWSpriteContent& content);
     /// A sprite for each picture or movie, at a point of the stage in metres.
     void addFiles(const QStringList& files, const QPointF& point = {});

@@ -97,12 +97,8 @@ void KWEditWindow::redo() {
 // --- Elements.
 
 void KWEditWindow::connectElementCommands() {
-    _commands->connectTo("element.add", this, [this] {
-        KWSpriteContent content;
-        content.kind = KWSpriteContent::Kind::shape;
-        content.shape = QStringLiteral("rounded");
-        addSprite(tr("Sprite"), content);
-    });
+    _commands->connectTo("element.add", this,
+                         [this] { addShape(tr("Sprite"), QStringLiteral("rounded")); });
     _commands->connectTo("element.addFiles", this, [this] {
         addFiles(_around.questions.filesToPlace(this, _session.document().folder()));
     });
@@ -122,13 +118,37 @@ void KWEditWindow::fillShapes() {
         const QString title = KWElementInspector::shapeTitle(shape);
         QAction* const action = _commands->submenu("element.shape")->addAction(title);
         action->setIcon(KWElementInspector::shapeIcon(shape, QColor(0x80, 0x90, 0xa8)));
-        connect(action, &QAction::triggered, this, [this, shape, title] {
-            KWSpriteContent content;
-            content.kind = KWSpriteContent::Kind::shape;
-            content.shape = shape;
-            addSprite(title, content);
-        });
+        connect(action, &QAction::triggered, this,
+                [this, shape, title] { addShape(title, shape); });
     }
+}
+
+/// Each in a color of its own and a little away from the one before, so that all are seen, and with
+/// its first channel at hand.
+void KWEditWindow::addShape(const QString& name, const QString& shape) {
+    constexpr QRgb colors[] = {0xff4c8dd9, 0xffe4573d, 0xff57b36a, 0xfff0b429,
+                               0xff9b6dd6, 0xff35b8c0, 0xffe77fb3, 0xff8a8f98};
+    int count = 0;
+    for (const auto& element : _session.document().model().elements())
+        if (const auto ours = std::dynamic_pointer_cast<KWElement>(element.object))
+            count += KWSpriteContent::of(*ours).kind != KWSpriteContent::Kind::none;
+    KWSpriteContent content;
+    content.kind = KWSpriteContent::Kind::shape;
+    content.shape = shape;
+    content.color = QColor::fromRgb(colors[count % 8]);
+    const KWEditDocument::Step step(_session.document(), tr("Add Sprite"));
+    const auto element = addSprite(name, content);
+    if (!element)
+        return;
+    const KWSpriteChannels channels(element->name(), element->channelArray().get());
+    const float away = 0.4F * static_cast<float>(count % 8);
+    if (const auto x = channels.channel(KWSpriteRole::x)) {
+        if (count > 0)
+            x->setValueForTime(away, KWTime(0));
+        _curves->edit(x);
+    }
+    if (const auto y = channels.channel(KWSpriteRole::y); y && count > 0)
+        y->setValueForTime(-away, KWTime(0));
 }
 
 std::shared_ptr<KWElement> KWEditWindow::addSprite(const QString& name,
@@ -175,7 +195,14 @@ void KWEditWindow::removeSelected() {
         return;
     }
     const auto selected = _session.selectedElements();
+    const auto stage = document.stageElement();
     if (selected.empty())
+        return;
+    if (std::find(selected.begin(), selected.end(), stage) != selected.end() &&
+        !_around.questions.mayGoOn(
+            this,
+            tr("“%1” holds the settings of the stage.").arg(QString::fromStdString(stage->name())),
+            tr("Without it the stage has its usual size, backdrop and range."), tr("Delete")))
         return;
     const KWEditDocument::Step step(document, tr("Remove Elements"));
     for (const auto& each : selected)

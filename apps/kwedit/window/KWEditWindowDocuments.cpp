@@ -46,7 +46,10 @@ bool KWEditWindow::open(const QString& path) {
     _around.recentFiles.add(_session.document().filePath());
     _session.refresh();
     _curves->editFirstCurve();
-    if (_session.document().isReadOnly())
+    if (_session.document().model().channels().empty() &&
+        _session.document().channelElements().empty())
+        tell(tr("There is nothing in this archive that kwedit knows."));
+    else if (_session.document().isReadOnly())
         tell(tr("The file is read-only: save the document under another name to keep changes."));
     return true;
 }
@@ -55,6 +58,8 @@ bool KWEditWindow::recover(const KWEditAutosave::Leftover& leftover) {
     QString error;
     _curves->prepareForNewDocument();
     if (_session.document().recover(leftover, &error)) {
+        _session.refresh();
+        _curves->editFirstCurve();
         tell(tr("Recovered. Save the document to keep it."));
         return true;
     }

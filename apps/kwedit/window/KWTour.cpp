@@ -7,6 +7,7 @@
 #include <apps/kwedit/window/KWTour.h>
 #include <apps/kwedit/window/KWTransportBar.h>
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -75,7 +76,7 @@ KWTour::KWTour(KWEditWindow& window) : QFrame(&window), _window(window) {
     column->addLayout(buttons);
     setFixedWidth(340);
     makeSteps();
-    window.installEventFilter(this);
+    qApp->installEventFilter(this);
     show(0);
 }
 
@@ -197,14 +198,17 @@ void KWTour::place() {
 }
 
 bool KWTour::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == &_window && event->type() == QEvent::Resize)
+    const bool isMoved = event->type() == QEvent::Resize || event->type() == QEvent::Move;
+    const QWidget* const target = _steps[static_cast<std::size_t>(_step)].target;
+    if (isMoved && (watched == &_window || watched == target))
         QMetaObject::invokeMethod(this, &KWTour::place, Qt::QueuedConnection);
+    if (event->type() == QEvent::KeyPress && !_window.session().isGestureActive()) {
+        const auto* const widget = qobject_cast<QWidget*>(watched);
+        if (widget && widget->window() == &_window &&
+            static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+            close();
+            return true;
+        }
+    }
     return QFrame::eventFilter(watched, event);
-}
-
-void KWTour::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
-        close();
-    else
-        QFrame::keyPressEvent(event);
 }

@@ -32,8 +32,8 @@ class KWTour : public QFrame {
     void stepChanged(int step);
 
   protected:
+    /// Escape ends it wherever the focus is, unless something is being dragged.
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     struct Step {
