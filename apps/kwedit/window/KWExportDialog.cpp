@@ -76,19 +76,25 @@ void KWExportDialog::makeForm() {
     auto* const where = new QHBoxLayout;
     where->addWidget(_destination);
     where->addWidget(browseButton);
-    form->addRow(_kind == Kind::frames ? tr("&Folder:") : tr("&File:"), where);
-    form->addRow(tr("F&rames:"), row({_first, new QLabel(QStringLiteral("–")), _last}));
+    // A row of several fields has no buddy by itself, and would show the mark of the access key.
+    const auto addRow = [form](const QString& title, QLayout* fields, QWidget* buddy) {
+        auto* const label = new QLabel(title);
+        label->setBuddy(buddy);
+        form->addRow(label, fields);
+    };
+    addRow(_kind == Kind::frames ? tr("&Folder:") : tr("&File:"), where, _destination);
+    addRow(tr("F&rames:"), row({_first, new QLabel(QStringLiteral("–")), _last}), _first);
     if (_kind != Kind::values) {
         _width = spinBox(1, 16384, stage.size.width(), tr("Width in pixels"));
         _height = spinBox(1, 16384, stage.size.height(), tr("Height in pixels"));
-        form->addRow(tr("&Size:"), row({_width, new QLabel(QStringLiteral("×")), _height}));
+        addRow(tr("&Size:"), row({_width, new QLabel(QStringLiteral("×")), _height}), _width);
     }
     _bar = new QProgressBar;
     _bar->setAccessibleName(tr("Progress"));
     _status = new QLabel;
     _status->setWordWrap(true);
     _buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
-    _buttons->addButton(tr("&Export"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    auto* const exportButton = _buttons->addButton(tr("&Export"), QDialogButtonBox::AcceptRole);
     connect(_buttons, &QDialogButtonBox::accepted, this, &KWExportDialog::start);
     connect(_buttons, &QDialogButtonBox::rejected, this, &KWExportDialog::reject);
     auto* const column = new QVBoxLayout(this);
@@ -97,6 +103,7 @@ void KWExportDialog::makeForm() {
     column->addWidget(_status);
     column->addStretch();
     column->addWidget(_buttons);
+    exportButton->setDefault(true); // which takes effect in the dialog only
     setMinimumWidth(480);
     if (_kind == Kind::movie && kwMovieProgram().isEmpty())
         _status->setText(tr("Movies are written by ffmpeg, which is not installed here."));
