@@ -1,5 +1,6 @@
 #include "EditWindowTestSupport.h"
 
+#include <apps/kwedit/window/KWEditAppearance.h>
 #include <apps/kwedit/window/KWEditLanguage.h>
 #include <apps/kwedit/window/KWShortcutsDialog.h>
 #include <apps/kwedit/window/KWTour.h>
@@ -12,6 +13,7 @@
 #include <QMap>
 #include <QMenuBar>
 #include <QProcess>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTabWidget>
@@ -372,6 +374,9 @@ TEST_P(KWEditLanguageMenus, AccessKeysOfADialogAreDifferent) {
                 seen.insert(key, text);
             }
         EXPECT_GE(seen.size(), 3);
+        for (const QLabel* label : dialog->findChildren<QLabel*>())
+            EXPECT_TRUE(label->buddy() || accessKey(label->text()).isNull())
+                << qUtf8Printable(label->text()) << " leads nowhere";
     }
 }
 
@@ -400,4 +405,27 @@ TEST_F(KWEditLanguageTest, AnotherLanguageTakesThePlaceOfTheOneBefore) {
     EXPECT_EQ(KWEditCommands::title(KWEditMenu::file), QStringLiteral("&File"));
     KWEditLanguage::install(*qApp, QStringLiteral("xx"));
     EXPECT_EQ(KWEditCommands::title(KWEditMenu::file), QStringLiteral("&File"));
+}
+
+TEST_F(KWEditLanguageTest, AnAppearanceIsKnownByItsNameAndChangesTheColors) {
+    for (const KWEditAppearance& each : KWEditAppearance::all())
+        EXPECT_EQ(KWEditAppearance::named(each.name()), each);
+    EXPECT_EQ(KWEditAppearance::named(QStringLiteral("pink")), KWEditAppearance());
+    const QColor before = QApplication::palette().color(QPalette::Window);
+    KWEditAppearance::named(QStringLiteral("dark")).apply();
+    EXPECT_LT(QApplication::palette().color(QPalette::Window).lightness(), 80);
+    EXPECT_GT(QApplication::palette().color(QPalette::WindowText).lightness(), 180);
+    KWEditAppearance().apply();
+    EXPECT_EQ(QApplication::palette().color(QPalette::Window), before);
+}
+
+TEST_F(KWEditLanguageTest, EnterExportsAndDoesNotCancel) {
+    open();
+    const auto* const dialog = window->showExport(KWExportDialog::Kind::frames);
+    settle();
+    QStringList defaults;
+    for (const QPushButton* button : dialog->findChildren<QPushButton*>())
+        if (button->isDefault())
+            defaults << button->text();
+    EXPECT_EQ(defaults, QStringList{QStringLiteral("&Export")});
 }

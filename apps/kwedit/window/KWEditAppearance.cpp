@@ -87,6 +87,14 @@ void KWEditAppearance::apply() const {
     if (QApplication::style()->objectName() != style)
         QApplication::setStyle(style);
     QApplication::setPalette(kind == Kind::system ? QPalette() : palette());
+    if (kind != Kind::dark)
+        return;
+    // Fusion draws boxes to be checked by lines darker than the window: none would be seen.
+    QPalette boxes = palette();
+    boxes.setColor(QPalette::Window, QColor(0x8b8d91));
+    boxes.setColor(QPalette::Light, boxes.color(QPalette::Base)); // the shadow of disabled texts
+    for (const char* const name : {"QCheckBox", "QMenu"})
+        QApplication::setPalette(boxes, name);
 }
 
 QList<KWEditAppearance> KWEditAppearance::all() {

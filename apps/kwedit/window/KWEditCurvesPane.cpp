@@ -4,9 +4,11 @@
 #include <KWBase/KWKeyCommands.h>
 
 #include <apps/kwedit/window/KWEditCurvesPane.h>
+#include <apps/kwedit/window/KWFitRow.h>
 #include <apps/kwedit/window/KWKeyEntryPanel.h>
 
 #include <QCloseEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSplitter>
 #include <QTreeView>
@@ -43,9 +45,15 @@ KWEditCurvesPane::KWEditCurvesPane(KWEditSession& session, QWidget* parent)
     column->setSpacing(0);
     column->addWidget(_editor.channelEditorContainer(), 1);
     column->addWidget(_keyEntry);
-    if (auto* const splitter = _editor.channelEditorContainer()->findChild<QSplitter*>())
+    if (auto* const splitter = _editor.channelEditorContainer()->findChild<QSplitter*>()) {
         splitter->setSizes({200, 640});
+        // What the pane gains or loses, the curve does.
+        splitter->setStretchFactor(0, 0);
+        splitter->setStretchFactor(1, 1);
+    }
+    _outline->setMinimumWidth(160);
 
+    makeHint();
     KWEditTransport& transport = session.transport();
     connect(_navigator, &KWChannelViewNavigator::scrubbingBegan, &transport,
             &KWEditTransport::beginScrubbing);
@@ -81,11 +89,82 @@ void KWEditCurvesPane::followStructure() {
 }
 
 void KWEditCurvesPane::followChannel() {
+    updateHint();
     const auto now = channel();
     if (now == _shown.lock() && (now || _shown.expired()))
         return;
     _shown = now;
     Q_EMIT channelChanged(now);
+}
+
+// --- What is shown where there is nothing, or little room.
+
+void KWEditCurvesPane::makeHint() {
+    _hint = new QLabel;
+    _hint->setObjectName(QStringLiteral("curvesHint"));
+    _hint->setAlignment(Qt::AlignCenter);
+    _hint->setWordWrap(true);
+    _hint->setMinimumWidth(290);
+    _hint->setAttribute(Qt::WA_TransparentForMouseEvents);
+    // The view's own background is dark in every palette.
+    _hint->setStyleSheet(QStringLiteral("QLabel { color: #e4e4ea; background: rgba(0, 0, 0, 150); "
+                                        "border-radius: 6px; padding: 10px 16px; }"));
+    auto* const layout = new QGridLayout(_view);
+    layout->setContentsMargins(24, 24, 24, 24);
+    layout->addWidget(_hint, 0, 0, Qt::AlignCenter);
+    updateHint();
+}
+
+void KWEditCurvesPane::updateHint() {
+    const auto& objects = _session.elements().arrangedObjects();
+    const bool hasChannels = std::any_of(objects.begin(), objects.end(), [](const auto& object) {
+        const auto element = std::dynamic_pointer_cast<KWChannelElement>(object);
+        return element && element->channelArray() &&
+               !element->channelArray()->channelEnumerator().empty();
+    });
+    _hint->setText(hasChannels
+                       ? tr("Choose a channel in the list to see its curve.")
+                       : tr("Nothing moves yet. Add a sprite in the Element menu, or drop pictures "
+                            "and movies onto the stage; the curves of its channels are here."));
+    _hint->setVisible(!channel());
+    if (auto* const below =
+            _editor.channelEditorContainer()->findChild<QLabel*>(QStringLiteral("noOptionsLabel")))
+        below->setVisible(_hint->isHidden());
+}
+
+/// What is hidden is in the menus, or shown twice.
+void KWEditCurvesPane::fitRows() {
+    const QWidget& form = *_editor.channelEditorContainer();
+    const auto widgets = [&form](std::initializer_list<const char*> names) {
+        QWidgetList found;
+        for (const char* const name : names)
+            if (auto* const widget = form.findChild<QWidget*>(QLatin1String(name)))
+                found << widget;
+        return found;
+    };
+    if (auto* const row = form.findChild<QLayout*>(QStringLiteral("toolRow")))
+        kwFitRow(*row,
+                 {widgets({"pasteButton"}), widgets({"copyButton"}),
+                  widgets({"gridLabel", "gridSlider"}), widgets({"channelTypeLabel"}),
+                  widgets({"fitButton"}), widgets({"liveCheckBox"}), widgets({"toolLine"})},
+                 width());
+    constexpr int leastSlider = 60;
+    for (QWidget* const slider : widgets({"tensionSlider", "biasSlider", "continuitySlider"}))
+        slider->setMinimumWidth(leastSlider);
+    if (auto* const row = form.findChild<QLayout*>(QStringLiteral("keyframedLayout")))
+        kwFitRow(*row,
+                 {widgets({"tensionReadout", "biasReadout", "continuityReadout"}),
+                  widgets({"interpModeLabel", "repeatLabel"})},
+                 width());
+    // The list of elements has the values too.
+    constexpr int widthForValues = 640;
+    constexpr int valueColumn = 2;
+    _outline->setColumnHidden(valueColumn, width() < widthForValues);
+}
+
+void KWEditCurvesPane::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    fitRows();
 }
 
 void KWEditCurvesPane::prepareForNewDocument() {

@@ -11,6 +11,7 @@ class KWChannelView;
 class KWChannelViewNavigator;
 class KWKeyCommands;
 class KWKeyEntryPanel;
+class QLabel;
 
 /// The curves of the document: the channel editor's panel with what kwedit adds to it - navigation,
 /// commands for keys, exact entry, undo - in a pane of the window or in a window of its own.
@@ -61,8 +62,12 @@ class KWEditCurvesPane : public QWidget {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void makeHint();
+    void updateHint();
+    void fitRows();
     void followTime();
     void followRate(double rate);
     void followStructure();
@@ -76,5 +81,6 @@ class KWEditCurvesPane : public QWidget {
     KWChannelViewNavigator* _navigator = nullptr;
     KWKeyCommands* _keys = nullptr;
     KWKeyEntryPanel* _keyEntry = nullptr;
+    QLabel* _hint = nullptr; ///< in place of a curve
     std::weak_ptr<KWChannel> _shown;
 };

@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMouseEvent>
+#include <QResizeEvent>
 #include <algorithm>
 
 namespace {
@@ -23,6 +24,14 @@ constexpr Usual usual[] = {{0, 0, 3, true},   {0, 1, 2, true}, {1, 0, 1, true},
                            {1, 1, 44, false}, {1, 2, 1, true}, {2, 0, 1, true}};
 constexpr float usualWidths[] = {256, 1, 288};
 constexpr bool isWidthWeight[] = {false, true, false};
+
+/// The columns at the sides leave a narrow window's middle more.
+float usualWidth(int column, int total) {
+    const auto width = static_cast<float>(total);
+    return column == 0   ? std::clamp(width / 5, 190.f, usualWidths[0])
+           : column == 2 ? std::clamp(width / 4, 250.f, usualWidths[2])
+                         : usualWidths[column];
+}
 
 float sizeOf(const KWLayoutRecord& record, std::string_view key) {
     return record.objectForKey(key).toFloat();
@@ -176,8 +185,9 @@ void KWEditPanes::resetSizes(const Divider& divider) {
     if (divider.isBetweenColumns) {
         for (int index = divider.column; index < 3; ++index)
             if (!isWidthWeight[index])
-                column(index).setObjectForKey(usualWidths[index], KWColumnWidthKey);
-        column(divider.column).setObjectForKey(usualWidths[divider.column], KWColumnWidthKey);
+                column(index).setObjectForKey(usualWidth(index, width()), KWColumnWidthKey);
+        column(divider.column)
+            .setObjectForKey(usualWidth(divider.column, width()), KWColumnWidthKey);
     } else {
         for (const Usual& place : usual)
             if (place.column == divider.column)
@@ -227,6 +237,18 @@ void KWEditPanes::mouseReleaseEvent(QMouseEvent* event) {
 void KWEditPanes::mouseDoubleClickEvent(QMouseEvent* event) {
     if (const auto divider = dividerAt(event->position().toPoint()))
         resetSizes(*divider);
+}
+
+void KWEditPanes::resizeEvent(QResizeEvent* event) {
+    // Columns of the usual width follow the window; others stay as somebody has made them.
+    for (int index = 0; index < 3; ++index) {
+        const float now = sizeOf(column(index), KWColumnWidthKey);
+        const bool isUsual =
+            now == usualWidths[index] || now == usualWidth(index, event->oldSize().width());
+        if (isUsual && !isWidthWeight[index])
+            column(index).setObjectForKey(usualWidth(index, width()), KWColumnWidthKey);
+    }
+    KWLayoutView::resizeEvent(event);
 }
 
 void KWEditPanes::leaveEvent(QEvent* event) {

@@ -93,6 +93,7 @@ void KWEditWindow::makePanes() {
 void KWEditWindow::makeStatusBar() {
     _state = new QLabel;
     _state->setObjectName(QStringLiteral("state"));
+    _state->setContentsMargins(0, 0, 8, 0);
     statusBar()->addPermanentWidget(_state);
     statusBar()->setSizeGripEnabled(false);
 }

@@ -60,7 +60,7 @@ void showValue(KWValueField& field, const std::optional<double>& value, const QS
 KWElementInspector::KWElementInspector(KWEditDocument& document, QWidget* parent)
     : KWInspector(parent), _document(&document), _nothing(new QLabel(tr("Nothing selected"))) {
     setObjectName(QStringLiteral("elementInspector"));
-    _nothing->setEnabled(false);
+    _nothing->setForegroundRole(QPalette::PlaceholderText);
     _nothing->setAlignment(Qt::AlignCenter);
     addWide(_nothing);
     makeNameRows();

@@ -3,6 +3,7 @@
 #include <KWDesktop/KWValueText.h>
 #include <KWFoundation/KWText.h>
 
+#include <apps/kwedit/window/KWFitRow.h>
 #include <apps/kwedit/window/KWKeyEntryField.h>
 #include <apps/kwedit/window/KWKeyEntryPanel.h>
 
@@ -178,6 +179,7 @@ void KWKeyEntryPanel::setOrientation(Qt::Orientation orientation) {
     _grid->setContentsMargins(6, 4, 6, 4);
     KWKeyEntryField* const fields[] = {_time, _value, _shapes[0], _shapes[1], _shapes[2]};
     const bool isStrip = orientation == Qt::Horizontal;
+    _isStrip = isStrip;
     _count->setMinimumWidth(isStrip ? fontMetrics().horizontalAdvance(tr("No keys") + u'0') : 0);
     _frame->setMinimumWidth(
         isStrip ? fontMetrics().horizontalAdvance(QStringLiteral("0000\u20130000 f")) : 0);
@@ -201,6 +203,16 @@ void KWKeyEntryPanel::setOrientation(Qt::Orientation orientation) {
         _grid->setColumnStretch(at, 1);
     else
         _grid->setRowStretch(at + 1, 1);
+}
+
+void KWKeyEntryPanel::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const auto shape = [this](std::size_t index) {
+        return QWidgetList{_labels[2 + index], _shapes[index]};
+    };
+    // In the reverse of their order, so that those that stay keep their places.
+    kwFitRow(*_grid, {{_reset}, shape(2), shape(1), shape(0), {_frame}, {_count}},
+             _isStrip ? width() : QWIDGETSIZE_MAX);
 }
 
 void KWKeyEntryPanel::setFramesPerSecond(double rate) {

@@ -35,8 +35,11 @@ class KWKeyEntryPanel : public QWidget {
 
     /// What frames are counted in; 25 at first. What is not positive and finite is not taken.
     void setFramesPerSecond(double rate);
-    /// A strip, as at first, or a form.
+    /// A strip, as at first, or a form. A strip that is narrow has no fields for shapes.
     void setOrientation(Qt::Orientation orientation);
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     void addFields();
@@ -56,6 +59,7 @@ class KWKeyEntryPanel : public QWidget {
     KWNotificationToken _units;
 
     QGridLayout* _grid;
+    bool _isStrip = true;
     QLabel* _count;
     QLabel* _frame;
     KWKeyEntryField* _time;

@@ -82,5 +82,5 @@ KWShortcutsDialog::KWShortcutsDialog(QWidget* parent) : QDialog(parent) {
     column->addWidget(search);
     column->addWidget(list);
     column->addWidget(buttons);
-    resize(760, 560);
+    resize(920, 600);
 }

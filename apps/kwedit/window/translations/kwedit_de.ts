@@ -896,6 +896,14 @@
         <source>Set Key</source>
         <translation>Keyframe setzen</translation>
     </message>
+    <message>
+        <source>Choose a channel in the list to see its curve.</source>
+        <translation>Wählen Sie in der Liste einen Kanal, um seine Kurve zu sehen.</translation>
+    </message>
+    <message>
+        <source>Nothing moves yet. Add a sprite in the Element menu, or drop pictures and movies onto the stage; the curves of its channels are here.</source>
+        <translation>Noch bewegt sich nichts. Fügen Sie im Menü Element ein Sprite hinzu, oder ziehen Sie Bilder und Filme auf die Bühne; hier erscheinen die Kurven seiner Kanäle.</translation>
+    </message>
 </context>
 <context>
     <name>KWEditDocument</name>
@@ -1551,7 +1559,7 @@
     </message>
     <message>
         <source>Natural</source>
-        <translation>Natürlich</translation>
+        <translation>Auto</translation>
     </message>
     <message>
         <source>%1 %</source>
@@ -2109,7 +2117,7 @@
     <name>KWTour</name>
     <message>
         <source>&amp;End Tour</source>
-        <translation>Rundgang &amp;beenden</translation>
+        <translation>&amp;Beenden</translation>
     </message>
     <message>
         <source>&amp;Back</source>

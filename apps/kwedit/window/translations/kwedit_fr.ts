@@ -896,6 +896,14 @@
         <source>Set Key</source>
         <translation>Poser une clé</translation>
     </message>
+    <message>
+        <source>Choose a channel in the list to see its curve.</source>
+        <translation>Choisissez un canal dans la liste pour voir sa courbe.</translation>
+    </message>
+    <message>
+        <source>Nothing moves yet. Add a sprite in the Element menu, or drop pictures and movies onto the stage; the curves of its channels are here.</source>
+        <translation>Rien ne bouge encore. Ajoutez un sprite par le menu Élément, ou déposez des images et des films sur la scène&#xa0;; les courbes de ses canaux apparaîtront ici.</translation>
+    </message>
 </context>
 <context>
     <name>KWEditDocument</name>
@@ -1551,7 +1559,7 @@
     </message>
     <message>
         <source>Natural</source>
-        <translation>Naturelle</translation>
+        <translation>Auto</translation>
     </message>
     <message>
         <source>%1 %</source>
@@ -2109,7 +2117,7 @@
     <name>KWTour</name>
     <message>
         <source>&amp;End Tour</source>
-        <translation>&amp;Quitter la visite</translation>
+        <translation>&amp;Quitter</translation>
     </message>
     <message>
         <source>&amp;Back</source>
