@@ -131,7 +131,7 @@ void KWKeyEntryPanel::addFields() {
     addField(_value, tr("Value"), tr("\u201c+=0.5\u201d moves each key"));
     const QString names[] = {tr("Tension"), tr("Bias"), tr("Continuity")};
     const QString toolTips[] = {tr("1 is tight, 0 is smooth, -1 is round"),
-                                tr("-1 leans towards the key before, 1 towards the one after"),
+                                tr("1 leans towards the key before, -1 towards the one after"),
                                 tr("Other than 0, there is a corner at the key")};
     const auto connectField = [this](KWKeyEntryField* field, const auto& enter) {
         connect(field, &KWKeyEntryField::entered, this, [this, field, enter](const QString& text) {

@@ -1936,10 +1936,6 @@
         <translation>1 ist straff, 0 ist glatt, -1 ist rund</translation>
     </message>
     <message>
-        <source>-1 leans towards the key before, 1 towards the one after</source>
-        <translation>-1 neigt zum Keyframe davor, 1 zu dem danach</translation>
-    </message>
-    <message>
         <source>Other than 0, there is a corner at the key</source>
         <translation>Wenn nicht 0, ist am Keyframe eine Ecke</translation>
     </message>
@@ -1979,6 +1975,10 @@
         <source>%1–%2 f</source>
         <comment>frames</comment>
         <translation>%1–%2 f</translation>
+    </message>
+    <message>
+        <source>1 leans towards the key before, -1 towards the one after</source>
+        <translation>1 neigt zum Keyframe davor, -1 zu dem danach</translation>
     </message>
 </context>
 <context>

@@ -1936,10 +1936,6 @@
         <translation>1 est tendu, 0 est lisse, -1 est rond</translation>
     </message>
     <message>
-        <source>-1 leans towards the key before, 1 towards the one after</source>
-        <translation>-1 penche vers la clé précédente, 1 vers la suivante</translation>
-    </message>
-    <message>
         <source>Other than 0, there is a corner at the key</source>
         <translation>S’il n’est pas 0, il y a un angle à la clé</translation>
     </message>
@@ -1979,6 +1975,10 @@
         <source>%1–%2 f</source>
         <comment>frames</comment>
         <translation>%1–%2 f</translation>
+    </message>
+    <message>
+        <source>1 leans towards the key before, -1 towards the one after</source>
+        <translation>1 penche vers la clé précédente, -1 vers la suivante</translation>
     </message>
 </context>
 <context>
