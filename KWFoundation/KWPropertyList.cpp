@@ -1,11 +1,16 @@
 #include <KWFoundation/KWPropertyList.h>
 #include <KWFoundation/KWPropertyListForms.h>
 
+#if __has_include(<sys/mman.h>)
+#include <sys/mman.h>
+#endif
+
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <random>
 #include <stdexcept>
 
@@ -177,6 +182,33 @@ Index KWPropertyList::valueForKey(Index dictionary, std::string_view key) const 
         if (stringValue(entries[k]) == key)
             return entries[count(dictionary) + k];
     return none;
+}
+
+// A list of many nodes is written from its beginning to its end once: page by page, most of that
+// time would go into getting the pages.
+
+namespace {
+constexpr std::size_t largePage = std::size_t{1} << 21;
+constexpr bool isLarge(std::size_t size) {
+    return size >= 2 * largePage;
+}
+} // namespace
+
+void* KWPropertyList::allocateMemory(std::size_t size) {
+    if (!isLarge(size))
+        return ::operator new(size);
+    void* const place = ::operator new (size, std::align_val_t{largePage});
+#ifdef MADV_HUGEPAGE
+    madvise(place, size, MADV_HUGEPAGE);
+#endif
+    return place;
+}
+
+void KWPropertyList::freeMemory(void* place, std::size_t size) noexcept {
+    if (isLarge(size))
+        ::operator delete (place, std::align_val_t{largePage});
+    else
+        ::operator delete(place);
 }
 
 Index KWPropertyList::append(const Node& node) {

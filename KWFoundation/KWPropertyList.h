@@ -163,6 +163,12 @@ class KW_EXPORT KWPropertyList {
         Unwritten() = default;
         template <class U>
         explicit Unwritten(const Unwritten<U>&) {}
+        T* allocate(std::size_t count) {
+            return static_cast<T*>(allocateMemory(count * sizeof(T)));
+        }
+        void deallocate(T* place, std::size_t count) noexcept {
+            freeMemory(place, count * sizeof(T));
+        }
         template <class U>
         void construct(U*) noexcept {
             static_assert(std::is_trivially_copyable_v<U>);
@@ -172,6 +178,10 @@ class KW_EXPORT KWPropertyList {
             std::construct_at(place, std::forward<Arguments>(arguments)...);
         }
     };
+
+    // Of many bytes, in large pages where the system has them.
+    static void* allocateMemory(std::size_t size);
+    static void freeMemory(void* place, std::size_t size) noexcept;
 
     Index append(const Node& node);
     Index appendScalar(const Node& node);

@@ -110,7 +110,7 @@ def write(docs, build, rows, taken, counts, counters):
     docs.mkdir(exist_ok=True)
     lines = ["# What it costs, beside others", "",
              "Written by `./bench`, which measures again on the machine at hand.", "",
-             "![How many times as fast as the best of the others](benchmarks.svg)", "",
+             "![How many times as fast as others](benchmarks.svg)", "",
              *measured_on(build, len(taken)), "", HOW, ""]
     for section in SECTIONS:
         own = [row for of, row in rows if of is section]
@@ -135,7 +135,7 @@ def write(docs, build, rows, taken, counts, counters):
     ratios = [(row.goal.chart, row.ratio, "beside " + ("a plain loop" if row.peer is PLAIN else row.peer))
               for _, row in rows if row.goal.chart]
     (docs / "benchmarks.svg").write_text(charts.times_as_fast(
-        "How many times as fast", "Measured in the same run as the quickest of its peers; logarithmic scale",
+        "How many times as fast", "Each beside a peer that was measured in the same run; logarithmic scale",
         ratios))
 
 
