@@ -19,7 +19,7 @@ def arguments():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("build", type=Path)
     parser.add_argument("docs", type=Path)
-    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--quick", action="store_true", help="one short round")
     return parser.parse_args()
 
