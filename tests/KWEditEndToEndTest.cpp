@@ -145,6 +145,8 @@ TEST_F(KWEditEndToEndTest, WhatAKilledEditorHadIsRecoveredAndItsFileUntouched) {
     QProcess killed;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("KWBASE_TEST_KILLED"), folder.path());
+    for (const char* const name : {"GTEST_TOTAL_SHARDS", "GTEST_SHARD_INDEX"})
+        environment.remove(QLatin1String(name));
     killed.setProcessEnvironment(environment);
     killed.start(QCoreApplication::applicationFilePath(),
                  {QStringLiteral("--gtest_also_run_disabled_tests"),

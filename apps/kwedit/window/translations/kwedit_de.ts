@@ -228,16 +228,12 @@
         <translation>Änderungen an %1 wiederherstellen?</translation>
     </message>
     <message>
-        <source>kwedit ended before they were saved. The copy is of %1. Otherwise it is offered again the next time.</source>
-        <translation>kwedit wurde beendet, bevor sie gesichert waren. Die Kopie ist vom %1. Andernfalls wird sie beim nächsten Mal wieder angeboten.</translation>
-    </message>
-    <message>
-        <source>Recover</source>
-        <translation>Wiederherstellen</translation>
-    </message>
-    <message>
         <source>%1: the picture cannot be written</source>
         <translation>%1: Das Bild kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>kwedit ended before they were saved. The copy is of %1.</source>
+        <translation>kwedit wurde beendet, bevor sie gesichert waren. Die Kopie ist vom %1.</translation>
     </message>
 </context>
 <context>
@@ -1023,6 +1019,14 @@
         <source>Otherwise they are lost.</source>
         <translation>Sonst gehen sie verloren.</translation>
     </message>
+    <message>
+        <source>Recover</source>
+        <translation>Wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Später</translation>
+    </message>
 </context>
 <context>
     <name>KWEditSpriteMove</name>
@@ -1222,6 +1226,26 @@
     <message>
         <source>this document</source>
         <translation>dieses Dokument</translation>
+    </message>
+    <message>
+        <source>Add Sprite</source>
+        <translation>Sprite hinzufügen</translation>
+    </message>
+    <message>
+        <source>“%1” holds the settings of the stage.</source>
+        <translation>„%1“ enthält die Einstellungen der Bühne.</translation>
+    </message>
+    <message>
+        <source>Without it the stage has its usual size, backdrop and range.</source>
+        <translation>Ohne dieses Element hat die Bühne ihre übliche Größe, ihren üblichen Hintergrund und Bereich.</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>There is nothing in this archive that kwedit knows.</source>
+        <translation>In diesem Archiv ist nichts, was kwedit kennt.</translation>
     </message>
 </context>
 <context>

@@ -228,16 +228,12 @@
         <translation>Récupérer les modifications de %1&#xa0;?</translation>
     </message>
     <message>
-        <source>kwedit ended before they were saved. The copy is of %1. Otherwise it is offered again the next time.</source>
-        <translation>kwedit s’est arrêté avant leur enregistrement. La copie date du %1. Sinon, elle sera proposée de nouveau la prochaine fois.</translation>
-    </message>
-    <message>
-        <source>Recover</source>
-        <translation>Récupérer</translation>
-    </message>
-    <message>
         <source>%1: the picture cannot be written</source>
         <translation>%1&#xa0;: l’image ne peut pas être écrite</translation>
+    </message>
+    <message>
+        <source>kwedit ended before they were saved. The copy is of %1.</source>
+        <translation>kwedit s’est arrêté avant leur enregistrement. La copie date du %1.</translation>
     </message>
 </context>
 <context>
@@ -1023,6 +1019,14 @@
         <source>Otherwise they are lost.</source>
         <translation>Sinon, elles seront perdues.</translation>
     </message>
+    <message>
+        <source>Recover</source>
+        <translation>Récupérer</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Plus tard</translation>
+    </message>
 </context>
 <context>
     <name>KWEditSpriteMove</name>
@@ -1222,6 +1226,26 @@
     <message>
         <source>this document</source>
         <translation>ce document</translation>
+    </message>
+    <message>
+        <source>Add Sprite</source>
+        <translation>Ajouter un sprite</translation>
+    </message>
+    <message>
+        <source>“%1” holds the settings of the stage.</source>
+        <translation>« %1 » contient les réglages de la scène.</translation>
+    </message>
+    <message>
+        <source>Without it the stage has its usual size, backdrop and range.</source>
+        <translation>Sans lui, la scène reprend sa taille, son fond et sa plage habituels.</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Supprimer</translation>
+    </message>
+    <message>
+        <source>There is nothing in this archive that kwedit knows.</source>
+        <translation>Cette archive ne contient rien que kwedit connaisse.</translation>
     </message>
 </context>
 <context>
