@@ -11,7 +11,7 @@ kw_build_packages=(
 )
 # What the tests and the benchmarks need besides.
 kw_test_packages=(
-    libgtest-dev libbenchmark-dev libplist-dev python3 locales
+    libgtest-dev libgmock-dev libbenchmark-dev libplist-dev python3 locales
     ffmpeg                     # makes the movies of the tests
     xvfb xauth libgl1-mesa-dri # OpenGL with no screen
 )
