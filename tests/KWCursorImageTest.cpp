@@ -119,6 +119,8 @@ TEST(KWCursorImage, ThePlatformsCursorsStandInWithoutThePluginForImages) {
     QProcess child;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("KWBASE_TEST_PLUGINS"), plugins.path());
+    for (const char* const name : {"GTEST_TOTAL_SHARDS", "GTEST_SHARD_INDEX"})
+        environment.remove(QLatin1String(name));
     child.setProcessEnvironment(environment);
     child.setProcessChannelMode(QProcess::MergedChannels);
     child.start(QCoreApplication::applicationFilePath(),

@@ -163,6 +163,11 @@ TEST_F(KWEditWindowTest, TheCurvesGoIntoAWindowOfTheirOwnAndBack) {
     EXPECT_FALSE(window->curves().isFloating());
     EXPECT_TRUE(window->curves().isVisible());
     EXPECT_EQ(window->stage().height(), height);
+    press("Alt+0");
+    window->curves().setGeometry(120, 90, 800, 500);
+    press("Alt+0");
+    press("Alt+0");
+    EXPECT_EQ(window->curves().geometry(), QRect(120, 90, 800, 500));
 }
 
 TEST_F(KWEditWindowTest, SpacePlaysUnlessSomethingElseNeedsIt) {

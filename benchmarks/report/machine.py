@@ -56,4 +56,4 @@ def system():
     with open("/etc/os-release") as file:
         name = re.search(r'^PRETTY_NAME="?(.*?)"?$', file.read(), re.MULTILINE)
     words = name.group(1) if name else platform.system()
-    return f"{words}, kernel {platform.release()}, {os.cpu_count()} processors"
+    return f"{words}, kernel {platform.release().split('-')[0]}, {os.cpu_count()} processors"

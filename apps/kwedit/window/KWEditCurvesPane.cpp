@@ -254,14 +254,21 @@ std::optional<float> KWEditCurvesPane::keyAfter(float time) const {
 void KWEditCurvesPane::setFloating(bool isFloating, QWidget* owner) {
     if (isFloating) {
         const QSize old = size();
-        setParent(owner, Qt::Window);
+        // A tool's window stays above the one that it belongs to.
+        setParent(owner, Qt::Tool | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
+                             Qt::WindowMaximizeButtonHint);
         // The commands of the window it came from work here too.
         if (owner)
             for (QAction* const action : owner->actions())
                 addAction(action);
-        resize(old.expandedTo({760, 420}));
+        if (_floatingGeometry.isEmpty() || !restoreGeometry(_floatingGeometry)) {
+            resize(old.expandedTo({760, 420}));
+            if (owner)
+                move(owner->geometry().center() - rect().center());
+        }
         show();
     } else {
+        _floatingGeometry = saveGeometry();
         setParent(nullptr, Qt::Widget);
     }
 }

@@ -83,4 +83,5 @@ class KWEditCurvesPane : public QWidget {
     KWKeyEntryPanel* _keyEntry = nullptr;
     QLabel* _hint = nullptr; ///< in place of a curve
     std::weak_ptr<KWChannel> _shown;
+    QByteArray _floatingGeometry; ///< of the window of its own, when it had one
 };
