@@ -4,6 +4,8 @@
 
 #include <apps/kwedit/window/KWShortcutsDialog.h>
 #include <apps/kwedit/window/KWTour.h>
+#include <apps/kwedit/window/KWTransportBar.h>
+#include <apps/kwedit/window/KWTransportRuler.h>
 
 #include <QAccessible>
 #include <QListWidget>
@@ -335,7 +337,9 @@ TEST_F(KWEditWindowTest, AKeyIsSetOnTheCurveAndTheTimeGoesFromKeyToKey) {
     window->session().transport().scrub(0.5F);
     view().setFocus();
     const float value = x->valueForTime(KWTime(0.5F));
+    EXPECT_EQ(window->transportBar().ruler().keyTimes().size(), count);
     press("K");
+    EXPECT_EQ(window->transportBar().ruler().keyTimes().size(), count + 1);
     EXPECT_EQ(x->keyframeCount(), count + 1);
     EXPECT_EQ(x->valueForTime(KWTime(0.5F)), value);
     press("Ctrl+Z");

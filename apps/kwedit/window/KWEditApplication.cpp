@@ -51,10 +51,7 @@ KWEditWindow* KWEditApplication::openWindow(const QString& path) {
 
 int KWEditApplication::offerLeftovers() {
     int count = 0;
-    const QString folder =
-        _settings.value(QStringLiteral("autosave/folder"), KWEditAutosave::defaultFolder())
-            .toString();
-    const auto leftovers = KWEditAutosave::leftovers(folder);
+    const auto leftovers = KWEditAutosave::leftovers(_around.autosaveFolder());
     for (const auto& leftover : leftovers) {
         const QString name = leftover.documentPath.isEmpty()
                                  ? tr("a document without a name")

@@ -48,9 +48,7 @@ KWEditWindow::KWEditWindow(KWEditSurroundings& surroundings)
     connectPlayCommands();
     connectHelpCommands();
     connectSession();
-    _session.document().setAutosaveFolder(
-        _around.settings.value(QStringLiteral("autosave/folder"), KWEditAutosave::defaultFolder())
-            .toString());
+    _session.document().setAutosaveFolder(_around.autosaveFolder());
     qApp->installEventFilter(this);
     readSettings();
     updateTitle();
@@ -181,10 +179,17 @@ void KWEditWindow::updateCommands() {
     _commands->setEnabled("edit.pasteChannel", hasChannel && _curves->editor().copiedChannel());
 }
 
-/// The transport bar marks the keys of the channel that is edited.
+/// The transport bar marks the keys of the channel that is edited. This is called with each frame
+/// that plays, and channels may have a million keys.
 void KWEditWindow::updateKeyTimes() {
+    const auto keyed = std::dynamic_pointer_cast<KWKeyFramedChannel>(_curves->channel());
+    const std::uint64_t edits = keyed ? keyed->editCount() : 0;
+    if (keyed && keyed == _markedChannel.lock() && edits == _markedEdits)
+        return;
+    _markedChannel = keyed;
+    _markedEdits = edits;
     std::vector<float> times;
-    if (const auto keyed = std::dynamic_pointer_cast<KWKeyFramedChannel>(_curves->channel()))
+    if (keyed)
         for (const KWTime& time : keyed->allKeyframes())
             times.push_back(time.time());
     _transportBar->setKeyTimes(times);
@@ -209,10 +214,6 @@ void KWEditWindow::readSettings() {
     }
     _panes->restore(settings.value(QStringLiteral("window/panes")).toByteArray());
     _inspectors->restoreState(settings.value(QStringLiteral("window/inspectors")).toByteArray());
-    using Renderer = KWEditStageView::Renderer;
-    const int drawing = settings.value(QStringLiteral("stage/drawing"), 0).toInt();
-    if (drawing == 1 || drawing == 2)
-        _stage->setRenderer(drawing == 1 ? Renderer::raster : Renderer::openGL);
 }
 
 void KWEditWindow::writeSettings() {

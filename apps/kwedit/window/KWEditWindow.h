@@ -16,6 +16,7 @@ class KWEditOutlinePane;
 class KWEditStageView;
 class KWHistoryPanel;
 class KWInspectorPanel;
+class KWKeyFramedChannel;
 class KWTour;
 class KWTransportBar;
 class QLabel;
@@ -29,6 +30,9 @@ struct KWEditSurroundings {
     KWEditQuestions& questions;
     /// Opens one more window, on a document or, for "", on an empty stage.
     std::function<void(const QString& path)> openWindow;
+
+    /// Where the copies of unsaved documents lie; "" for none.
+    QString autosaveFolder() const;
 };
 
 /// The window of one document. Deletes itself when it is closed.
@@ -123,4 +127,7 @@ class KWEditWindow : public QMainWindow {
     KWEditPanes* _panes = nullptr;
     QLabel* _state = nullptr;
     QPointer<KWTour> _tour;
+    // What the transport bar shows the keys of.
+    std::weak_ptr<KWKeyFramedChannel> _markedChannel;
+    std::uint64_t _markedEdits = 0;
 };

@@ -24,6 +24,19 @@
 
 // What the commands do, menu by menu.
 
+namespace {
+
+/// In metres on the stage.
+void placeAt(const KWElement& element, const QPointF& point, KWTime time) {
+    const KWSpriteChannels channels(element.name(), element.channelArray().get());
+    if (const auto x = channels.channel(KWSpriteRole::x))
+        x->setValueForTime(static_cast<float>(point.x()), time);
+    if (const auto y = channels.channel(KWSpriteRole::y))
+        y->setValueForTime(static_cast<float>(point.y()), time);
+}
+
+} // namespace
+
 void KWEditWindow::connectFileCommands() {
     KWEditCommands& commands = *_commands;
     commands.connectTo("file.new", this, [this] { _around.openWindow({}); });
@@ -140,15 +153,11 @@ void KWEditWindow::addShape(const QString& name, const QString& shape) {
     const auto element = addSprite(name, content);
     if (!element)
         return;
+    const double away = 0.4 * (count % 8);
+    if (count > 0)
+        placeAt(*element, QPointF(away, -away), KWTime(0));
     const KWSpriteChannels channels(element->name(), element->channelArray().get());
-    const float away = 0.4F * static_cast<float>(count % 8);
-    if (const auto x = channels.channel(KWSpriteRole::x)) {
-        if (count > 0)
-            x->setValueForTime(away, KWTime(0));
-        _curves->edit(x);
-    }
-    if (const auto y = channels.channel(KWSpriteRole::y); y && count > 0)
-        y->setValueForTime(-away, KWTime(0));
+    _curves->edit(channels.channel(KWSpriteRole::x));
 }
 
 std::shared_ptr<KWElement> KWEditWindow::addSprite(const QString& name,
@@ -176,13 +185,8 @@ void KWEditWindow::addFiles(const QStringList& files, const QPointF& point) {
         content.kind = KWSpriteContent::Kind::file;
         content.file = KWElementInspector::contentPath(document, file);
         const auto element = addSprite(QFileInfo(file).completeBaseName(), content);
-        if (!element || point.isNull())
-            continue;
-        const KWSpriteChannels channels(element->name(), element->channelArray().get());
-        if (const auto x = channels.channel(KWSpriteRole::x))
-            x->setValueForTime(static_cast<float>(point.x()), _session.transport().time());
-        if (const auto y = channels.channel(KWSpriteRole::y))
-            y->setValueForTime(static_cast<float>(point.y()), _session.transport().time());
+        if (element && !point.isNull())
+            placeAt(*element, point, _session.transport().time());
     }
 }
 
@@ -308,6 +312,8 @@ void KWEditWindow::fillDrawings() {
         QAction* const action = _commands->submenu("view.drawing")->addAction(title);
         action->setCheckable(true);
         action->setChecked(index == chosen);
+        if (index == chosen)
+            _stage->setRenderer(renderer);
         group->addAction(action);
         connect(action, &QAction::triggered, this, [this, renderer = renderer, index] {
             _stage->setRenderer(renderer);

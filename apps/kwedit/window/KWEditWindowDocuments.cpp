@@ -29,6 +29,11 @@ QStringList pathsOf(const QMimeData& data) {
 
 } // namespace
 
+QString KWEditSurroundings::autosaveFolder() const {
+    return settings.value(QStringLiteral("autosave/folder"), KWEditAutosave::defaultFolder())
+        .toString();
+}
+
 bool KWEditWindow::isUntouched() const {
     const KWEditDocument& document = _session.document();
     return document.filePath().isEmpty() && !document.isModified() && !document.canRedo();
